@@ -1,0 +1,1 @@
+# Checks as build targets; tests/CMakeLists.txt and the script `test --all` run them.

@@ -1,0 +1,170 @@
+#include "disc/catalogue.h"
+
+#include "disc/module1.h"
+#include "disc/sector_map.h"
+#include "platform/text.h"
+
+namespace quoravel {
+
+namespace {
+
+constexpr int kMarkerBytes = 8;
+constexpr std::uint8_t kMarker = 0xAA;
+constexpr int kNameBytes = 7;
+
+unsigned ByteAt(int offset) {
+    return Module1::DiscImg.Byte(offset);
+}
+
+char CharAt(int offset) {
+    return static_cast<char>(ByteAt(offset) & 127U);
+}
+
+/// A field of 18 bits: 16 at `low`, two more in the packed byte of `info` from bit `shift` on.
+/// 3 in those two reads as FF.
+std::uint32_t WideField(int info, int low, unsigned shift) {
+    const unsigned high = (ByteAt(info + 6) >> shift) & 3U;
+    return (high == 3 ? 0xFFU : high) << 16U | ByteAt(low + 1) << 8U | ByteAt(low);
+}
+
+} // namespace
+
+std::uint32_t LoadAddress(int info) {
+    return WideField(info, info, 2);
+}
+
+std::uint32_t ExecAddress(int info) {
+    return WideField(info, info + 2, 6);
+}
+
+std::uint32_t FileLength(int info) {
+    return WideField(info, info + 4, 4);
+}
+
+int StartSector(int info) {
+    return static_cast<int>((ByteAt(info + 6) & 3U) << 8U | ByteAt(info + 7));
+}
+
+int FilesInCatalogue(int base) {
+    return Module1::DiscImg.Byte(base + kCountByte) / 8;
+}
+
+int BootOption(int drive) {
+    return static_cast<int>(ByteAt(GetStartSectorOfDrive(drive) + kFlagsByte) >> 4U & 3U);
+}
+
+inline namespace Module7 {
+
+bool IsWatfordDFS(int drive) {
+    const int marker = GetStartSectorOfDrive(drive) + kSecondCatalogue;
+    for (int i = 0; i < kMarkerBytes; ++i)
+        if (ByteAt(marker + i) != kMarker)
+            return false;
+    return true;
+}
+
+int GetRootSector(int drive) {
+    return IsWatfordDFS(drive) ? 4 : 2;
+}
+
+int GetNumberOfDirEntries(int drive) {
+    const int start = GetStartSectorOfDrive(drive);
+    // Meant: eighths of a file add up over both catalogues before the fraction is dropped, so that
+    // count bytes of 12 and 12 give 3 files.
+    unsigned eighths = ByteAt(start + kCountByte);
+    if (IsWatfordDFS(drive))
+        eighths += ByteAt(start + kSecondCatalogue + kCountByte);
+    return static_cast<int>(eighths / 8);
+}
+
+int GetDirOffset(int drive, int file_number) {
+    const int start = GetStartSectorOfDrive(drive);
+    const int first = FilesInCatalogue(start);
+    if (file_number < first)
+        return start + kEntryBytes + kEntryBytes * file_number;
+    return start + kSecondCatalogue + kEntryBytes + kEntryBytes * (file_number - first);
+}
+
+int GetNumberOfSectors(int drive) {
+    const int start = GetStartSectorOfDrive(drive);
+    const unsigned count =
+        (ByteAt(start + kFlagsByte) & 3U) * 256 + ByteAt(start + kSectorCountByte);
+    return count > kDriveSectors ? kDriveSectors : static_cast<int>(count);
+}
+
+void UpdateSequenceNumber(int drive) {
+    const int cycle = GetStartSectorOfDrive(drive) + kCycleByte;
+    const unsigned was = ByteAt(cycle);
+    const unsigned next = ((was / 16) * 10 + (was & 15U) + 1) % 100;
+    Module1::DiscImg.SetByte(cycle, static_cast<std::uint8_t>(next / 10 * 16 + next % 10));
+    Module1::gDirty = true;
+}
+
+} // namespace Module7
+
+inline namespace Module2 {
+
+std::string MyString(int count, std::string_view text) {
+    std::string repeated;
+    for (int i = 0; i < count; ++i)
+        repeated += text;
+    return repeated;
+}
+
+std::string GetName(int drive, int file_number) {
+    const int entry = GetDirOffset(drive, file_number);
+    std::string name;
+    for (int i = 0; i < kNameBytes; ++i)
+        name += CharAt(entry + i);
+    return std::string{CharAt(entry + kDirectoryByte), '.'}.append(Trim(name));
+}
+
+int GetPos(int drive, std::string_view name) {
+    const int files = GetNumberOfDirEntries(drive);
+    for (int i = 0; i < files; ++i) {
+        const std::string found = GetName(drive, i);
+        if (found.front() == '\0')
+            return -1;
+        if (EqualIgnoringCase(found, name))
+            return i;
+    }
+    return -1;
+}
+
+} // namespace Module2
+
+inline namespace Module3 {
+
+std::string GetLoad(int info) {
+    return Hex(LoadAddress(info), 6);
+}
+
+std::string GetExec(int info) {
+    return Hex(ExecAddress(info), 6);
+}
+
+std::string GetSize(int info) {
+    return Hex(FileLength(info), 6);
+}
+
+std::string GetSector(int info) {
+    return Hex(static_cast<std::uint32_t>(StartSector(info)), 3);
+}
+
+std::string GetFileAttr(int name_entry) {
+    return (ByteAt(name_entry + kDirectoryByte) & 128U) != 0 ? "L" : " ";
+}
+
+int GetSectorsUsed(int drive) {
+    SectorMap used = SectorsOfFiles(drive);
+    for (int s = 0; s < GetRootSector(drive); ++s)
+        used.set(static_cast<std::size_t>(s));
+    for (int s = GetNumberOfSectors(drive) - 1; s > 0; --s)
+        if (used.test(static_cast<std::size_t>(s)))
+            return s;
+    return 0;
+}
+
+} // namespace Module3
+
+} // namespace quoravel

@@ -1,0 +1,50 @@
+#include "disc/disc_block.h"
+
+#include <algorithm>
+
+namespace quoravel {
+
+namespace {
+
+struct Range {
+    std::int64_t begin;
+    std::int64_t end;
+};
+
+/// The part of [offset, offset + count) inside the block; begin and end agree if there is none.
+Range InsideBlock(std::int64_t offset, std::int64_t count) {
+    const std::int64_t begin = std::clamp<std::int64_t>(offset, 0, kDiscBytes);
+    const std::int64_t length = std::clamp<std::int64_t>(count, 0, INT32_MAX);
+    const std::int64_t end = offset >= kDiscBytes ? begin : offset + length;
+    return {begin, std::clamp<std::int64_t>(end, begin, kDiscBytes)};
+}
+
+} // namespace
+
+void DiscBlock::Fill(std::int64_t offset, std::int64_t count, std::uint8_t value) {
+    const auto [begin, end] = InsideBlock(offset, count);
+    std::fill(bytes_.begin() + begin, bytes_.begin() + end, value);
+}
+
+void DiscBlock::Write(std::int64_t offset, std::span<const std::uint8_t> source) {
+    const auto [begin, end] = InsideBlock(offset, std::ssize(source));
+    if (begin == end)
+        return;
+    const auto part = source.subspan(static_cast<std::size_t>(begin - offset),
+                                     static_cast<std::size_t>(end - begin));
+    std::ranges::copy(part, bytes_.begin() + begin);
+}
+
+void DiscBlock::CopyAscending(std::int64_t from, std::int64_t to, std::int64_t count) {
+    const auto [begin, end] = InsideBlock(to, count);
+    for (std::int64_t target = begin; target < end; ++target)
+        SetByte(target, Byte(from + (target - to)));
+}
+
+std::span<const std::uint8_t> DiscBlock::Part(std::int64_t offset, std::int64_t count) const {
+    const auto [begin, end] = InsideBlock(offset, count);
+    return std::span(bytes_).subspan(static_cast<std::size_t>(begin),
+                                     static_cast<std::size_t>(end - begin));
+}
+
+} // namespace quoravel

@@ -1,0 +1,49 @@
+#include "disc/listing.h"
+
+#include "disc/catalogue.h"
+#include "disc/module1.h"
+#include "platform/text.h"
+
+#include <algorithm>
+#include <optional>
+
+namespace quoravel {
+
+namespace {
+
+/// The name of an entry as lists show it, or nothing where the listing ends.
+std::optional<std::string> ListedName(int entry) {
+    std::string name;
+    for (int i = 0; i < kDirectoryByte; ++i)
+        name += static_cast<char>(Module1::DiscImg.Byte(entry + i) & 127);
+    name.resize(std::min(name.size(), name.find('\r')));
+    if (name.empty() || name.front() == '\0')
+        return {};
+    const auto directory = static_cast<char>(Module1::DiscImg.Byte(entry + kDirectoryByte) & 127);
+    return std::string{directory, '.'}.append(Trim(name));
+}
+
+} // namespace
+
+std::vector<ListRow> ListFiles(int drive) {
+    std::vector<ListRow> rows;
+    const int files = GetNumberOfDirEntries(drive);
+    for (int i = 0; i < files; ++i) {
+        const int entry = GetDirOffset(drive, i);
+        auto name = ListedName(entry);
+        if (!name)
+            break;
+        const int info = entry + kInfoDistance;
+        rows.push_back({std::move(*name), GetFileAttr(entry), GetLoad(info), GetExec(info),
+                        GetSize(info), GetSector(info)});
+    }
+    return rows;
+}
+
+std::vector<ListRow> SortedListFiles(int drive) {
+    std::vector<ListRow> rows = ListFiles(drive);
+    std::ranges::stable_sort(rows, {}, [](const ListRow& row) { return UpperCase(row.FileName); });
+    return rows;
+}
+
+} // namespace quoravel

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "disc/disc_block.h"
+
+#include <array>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace quoravel {
+
+/// Who shows the status line of each drive: the main window.
+class StatusLine {
+  public:
+    StatusLine() = default;
+    StatusLine(const StatusLine&) = delete;
+    StatusLine& operator=(const StatusLine&) = delete;
+    virtual ~StatusLine() = default;
+
+    /// Sets the status line under the list of `drive` (0 or 1).
+    virtual void SetMsgText(int drive, std::string_view text) = 0;
+};
+
+/// The shared state of the program: plain variables that any routine reads and writes, spelled with
+/// their owner wherever they are used. All of it lives on the one thread.
+namespace Module1 {
+
+/// Each drive has at most one free region more than it has files, so 63 at most are in use.
+inline constexpr int kFreeRegions = 83;
+using RegionTable = std::array<std::array<int, kFreeRegions>, kDrives>;
+
+// The disc.
+inline DiscBlock DiscImg;            ///< the one image in memory, made anew by Init
+inline int cur_drive = 0;            ///< drive (0 or 1) that the commands act on
+inline int mSelectedItem = -1;       ///< row of the selected file in the list of cur_drive, or -1
+inline bool gDirty = false;          ///< the block differs from the file
+inline std::string gsRoot;           ///< the image's file name in UTF-8: title, save proposal
+inline std::filesystem::path gsFile; ///< image file last opened or saved; empty until there is one
+inline RegionTable FreeSpaceMap{};   ///< [drive][region] first sector
+inline RegionTable FreeSpaceLen{};   ///< [drive][region] length in sectors
+inline std::array<int, kDrives> FreeSpaceNum{}; ///< regions in use on each drive
+
+/// Makes DiscImg and empties gsFile.
+void Init();
+
+/// Sets the status line of `drive`.
+void MsgBar(int drive, std::string_view text);
+
+/// Makes `line` the place that MsgBar writes to; nullptr: nowhere. The caller keeps ownership.
+void InstallStatusLine(StatusLine* line);
+
+} // namespace Module1
+
+} // namespace quoravel

@@ -1,0 +1,280 @@
+#include "platform/files.h"
+
+#include "platform/host.h"
+#include "platform/text.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+#include <variant>
+
+namespace quoravel {
+
+namespace {
+
+namespace fs = std::filesystem;
+using Bytes = std::span<const std::uint8_t>;
+
+constexpr mode_t kPermissions = 07777;
+constexpr mode_t kNewFile = 0666; // before the user's umask
+constexpr int kMostLinks = 40;    // as many as the kernel follows
+
+FileError ErrorOf(int number) {
+    return {std::generic_category().message(number)};
+}
+
+FileError LastError() {
+    return ErrorOf(errno);
+}
+
+/// A file descriptor that closes itself.
+class Descriptor {
+  public:
+    explicit Descriptor(int fd) : fd_(fd) {}
+
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    ~Descriptor() { static_cast<void>(Close()); }
+
+    [[nodiscard]] bool IsOpen() const { return fd_ >= 0; }
+
+    [[nodiscard]] int get() const { return fd_; }
+
+    /// False if the system reported a late write error.
+    [[nodiscard]] bool Close() { return fd_ < 0 || ::close(std::exchange(fd_, -1)) == 0; }
+
+  private:
+    int fd_;
+};
+
+/// Why something that is no plain file is refused.
+std::optional<FileError> RefuseUnlessPlain(const struct stat& status) {
+    if (S_ISREG(status.st_mode))
+        return {};
+    return S_ISDIR(status.st_mode) ? ErrorOf(EISDIR) : FileError{"Not a regular file"};
+}
+
+/// Reads until `bytes` is full or the file ends; its size is then what was read.
+std::optional<FileError> ReadAll(int fd, std::vector<std::uint8_t>& bytes) {
+    std::size_t filled = 0;
+    while (filled < bytes.size()) {
+        const ssize_t got = ::read(fd, bytes.data() + filled, bytes.size() - filled);
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0)
+            return LastError();
+        if (got == 0)
+            break;
+        filled += static_cast<std::size_t>(got);
+    }
+    bytes.resize(filled);
+    return {};
+}
+
+std::optional<FileError> WriteAll(int fd, Bytes bytes) {
+    while (!bytes.empty()) {
+        const ssize_t put = ::write(fd, bytes.data(), bytes.size());
+        if (put < 0 && errno == EINTR)
+            continue;
+        if (put < 0)
+            return LastError();
+        bytes = bytes.subspan(static_cast<std::size_t>(put));
+    }
+    return {};
+}
+
+/// Writes, flushes to the disc and closes.
+std::optional<FileError> WriteFlushed(Descriptor& out, Bytes bytes) {
+    if (auto error = WriteAll(out.get(), bytes))
+        return error;
+    if (::fsync(out.get()) != 0 || !out.Close())
+        return LastError();
+    return {};
+}
+
+/// Makes a rename or a copy last through a power cut. A file system that cannot do it is no reason
+/// to fail.
+void Flush(const fs::path& file_or_folder) {
+    const Descriptor descriptor(::open(file_or_folder.c_str(), O_RDONLY | O_CLOEXEC));
+    if (descriptor.IsOpen())
+        static_cast<void>(::fsync(descriptor.get()));
+}
+
+/// Where the bytes of `file` really lie: symbolic links followed, the last of which may point to
+/// nothing yet.
+fs::path FollowLinks(fs::path file) {
+    std::error_code error;
+    for (int i = 0; i < kMostLinks && fs::is_symlink(fs::symlink_status(file, error)); ++i) {
+        const fs::path target = fs::read_symlink(file, error);
+        if (error)
+            break;
+        file = file.parent_path() / target;
+    }
+    return file;
+}
+
+fs::path FolderOf(const fs::path& file) {
+    return file.has_parent_path() ? file.parent_path() : fs::path(".");
+}
+
+/// The name of a new file beside `file`, made with `permissions`, which `out` then writes.
+struct SideFile {
+    fs::path path;
+    Descriptor out;
+};
+
+SideFile MakeSideFile(const fs::path& file) {
+    std::string name = (FolderOf(file) / ".quoravel-XXXXXX").string();
+    const int fd =
+        ::mkostemp(name.data(), O_CLOEXEC); // readable by the user alone until it is whole
+    return {name, Descriptor(fd)};
+}
+
+/// The permissions that the replaced file had, or those that a new file gets.
+mode_t PermissionsFor(const std::optional<struct stat>& old) {
+    if (old)
+        return old->st_mode & kPermissions;
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    return kNewFile & ~mask;
+}
+
+/// Gives the new file the owner and the permissions of the old one as far as the system lets us.
+std::optional<FileError> TakeOver(int fd, const std::optional<struct stat>& old) {
+    if (old && ::fchown(fd, old->st_uid, old->st_gid) != 0 && ::fchown(fd, -1U, old->st_gid) != 0)
+        errno = 0; // somebody else's file in a folder that we may write: it becomes ours
+    if (::fchmod(fd, PermissionsFor(old)) != 0)
+        return LastError();
+    return {};
+}
+
+std::optional<FileError> FillSideFile(SideFile& side, const fs::path& file, Bytes bytes,
+                                      const std::optional<struct stat>& old) {
+    if (auto error = TakeOver(side.out.get(), old))
+        return error;
+    if (auto error = WriteFlushed(side.out, bytes))
+        return error;
+    if (::rename(side.path.c_str(), file.c_str()) != 0)
+        return LastError();
+    Flush(FolderOf(file));
+    return {};
+}
+
+/// A name in `folder` for a copy of `file` that destroys no earlier copy.
+fs::path FreeCopyName(const fs::path& folder, const fs::path& file) {
+    fs::path copy = folder / file.filename();
+    for (int i = 1; fs::exists(fs::symlink_status(copy)); ++i)
+        copy = folder / (file.filename().string() + "." + std::to_string(i));
+    return copy;
+}
+
+/// Keeps a copy of what `file` holds in the user's state folder; gives where, or why not.
+std::variant<fs::path, FileError> KeepCopy(const fs::path& file) {
+    const auto state = host().StateFolder();
+    if (!state)
+        return FileError{"No folder for a safety copy"};
+    std::error_code error;
+    const fs::path folder = *state / "backup";
+    fs::create_directories(folder, error);
+    if (error)
+        return FileError{error.message()};
+    const fs::path copy = FreeCopyName(folder, file);
+    if (!fs::copy_file(file, copy, error))
+        return FileError{error.message()};
+    Flush(copy);
+    return copy;
+}
+
+/// Takes the room first, so that a full disc is noticed while the old content is still whole, and
+/// cuts what is too long last.
+std::optional<FileError> Overwrite(Descriptor& out, Bytes bytes, off_t old_size) {
+    const auto size = static_cast<off_t>(bytes.size());
+    if (const int failed = size > old_size ? ::posix_fallocate(out.get(), 0, size) : 0) {
+        static_cast<void>(::ftruncate(out.get(), old_size));
+        return ErrorOf(failed);
+    }
+    if (auto error = WriteAll(out.get(), bytes))
+        return error;
+    if (::ftruncate(out.get(), size) != 0 || ::fsync(out.get()) != 0 || !out.Close())
+        return LastError();
+    return {};
+}
+
+/// For a file that may be written in a folder that may not.
+std::optional<FileError> WriteInPlace(const fs::path& file, Bytes bytes, off_t old_size) {
+    Descriptor out(::open(file.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK));
+    if (!out.IsOpen())
+        return LastError();
+    const auto copy = KeepCopy(file);
+    if (const auto* refused = std::get_if<FileError>(&copy))
+        return *refused;
+    auto error = Overwrite(out, bytes, old_size);
+    if (error)
+        error->reason += " (a copy is in " + std::get<fs::path>(copy).string() + ")";
+    return error;
+}
+
+/// What `file` is now, nothing if it is not there yet. Refuses what no save may replace.
+std::optional<FileError> LookAtOld(const fs::path& file, std::optional<struct stat>& old) {
+    struct stat status {};
+
+    if (::stat(file.c_str(), &status) != 0)
+        return errno == ENOENT ? std::nullopt : std::optional(LastError());
+    old = status;
+    if (auto error = RefuseUnlessPlain(status))
+        return error;
+    // The folder's permissions would let a rename go over a write-protected file.
+    return ::access(file.c_str(), W_OK) == 0 ? std::nullopt : std::optional(LastError());
+}
+
+} // namespace
+
+std::optional<FileError> ReadFile(const fs::path& file, std::size_t limit,
+                                  std::vector<std::uint8_t>& bytes) {
+    const Descriptor in(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+
+    struct stat status {};
+
+    if (!in.IsOpen() || ::fstat(in.get(), &status) != 0)
+        return LastError();
+    if (auto error = RefuseUnlessPlain(status))
+        return error;
+    std::vector<std::uint8_t> read(
+        std::min(limit, static_cast<std::size_t>(std::max<off_t>(status.st_size, 0))));
+    if (auto error = ReadAll(in.get(), read))
+        return error;
+    bytes = std::move(read);
+    return {};
+}
+
+std::optional<FileError> ReplaceFile(const fs::path& name, Bytes bytes) {
+    const fs::path file = FollowLinks(name);
+    std::optional<struct stat> old;
+    if (auto error = LookAtOld(file, old))
+        return error;
+    SideFile side = MakeSideFile(file);
+    if (!side.out.IsOpen()) {
+        const int reason = errno;
+        const bool folder_is_closed = reason == EACCES || reason == EROFS || reason == EPERM;
+        if (old && folder_is_closed)
+            return WriteInPlace(file, bytes, old->st_size);
+        return ErrorOf(reason);
+    }
+    auto error = FillSideFile(side, file, bytes, old);
+    if (error)
+        ::unlink(side.path.c_str());
+    return error;
+}
+
+std::string FileName(const fs::path& file) {
+    const std::string name = file.filename().string();
+    return IsUtf8(name) ? name : Latin1ToUtf8(name);
+}
+
+} // namespace quoravel

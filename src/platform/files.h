@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace quoravel {
+
+/// What went wrong with a host file, in words for a person ("No such file or directory").
+struct FileError {
+    std::string reason;
+};
+
+/// Puts the first `limit` bytes of a plain file into `bytes`, fewer if the file is shorter.
+/// Folders, devices, pipes and sockets are an error at once: nothing here ever waits for a writer.
+/// Nothing on success; after an error `bytes` is as it was.
+[[nodiscard]] std::optional<FileError>
+ReadFile(const std::filesystem::path& file, std::size_t limit, std::vector<std::uint8_t>& bytes);
+
+/// Puts `bytes` in place of what `file` held, or makes the file. A new file is written beside the
+/// old one, flushed to the disc and renamed over it, so that whatever happens one of the two is
+/// there whole. Permissions are kept and a symbolic link is followed to its target. Where the
+/// folder cannot be written but the file can, the old content is first copied to the folder
+/// "backup" of the host's state folder and the file is then written in place. Nothing on success;
+/// after an error the old file is whole.
+[[nodiscard]] std::optional<FileError> ReplaceFile(const std::filesystem::path& file,
+                                                   std::span<const std::uint8_t> bytes);
+
+/// The last part of `file` in UTF-8, as titles and messages show it. Bytes that are not UTF-8 are
+/// shown as the Latin-1 characters that they would be.
+[[nodiscard]] std::string FileName(const std::filesystem::path& file);
+
+} // namespace quoravel
