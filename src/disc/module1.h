@@ -25,7 +25,8 @@ class StatusLine {
 /// their owner wherever they are used. All of it lives on the one thread.
 namespace Module1 {
 
-/// Each drive has at most one free region more than it has files, so 63 at most are in use.
+/// Each drive has at most one free region more than it has files, so even a damaged catalogue,
+/// which can count 63 files, uses 64 at most.
 inline constexpr int kFreeRegions = 83;
 using RegionTable = std::array<std::array<int, kFreeRegions>, kDrives>;
 

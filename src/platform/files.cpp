@@ -4,6 +4,7 @@
 #include "platform/text.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
@@ -30,6 +31,12 @@ FileError ErrorOf(int number) {
 
 FileError LastError() {
     return ErrorOf(errno);
+}
+
+/// A path as messages show it, see FileName.
+std::string Utf8Of(const fs::path& path) {
+    const std::string name = path.string();
+    return IsUtf8(name) ? name : Latin1ToUtf8(name);
 }
 
 /// A file descriptor that closes itself.
@@ -89,15 +96,6 @@ std::optional<FileError> WriteAll(int fd, Bytes bytes) {
     return {};
 }
 
-/// Writes, flushes to the disc and closes.
-std::optional<FileError> WriteFlushed(Descriptor& out, Bytes bytes) {
-    if (auto error = WriteAll(out.get(), bytes))
-        return error;
-    if (::fsync(out.get()) != 0 || !out.Close())
-        return LastError();
-    return {};
-}
-
 /// Makes a rename or a copy last through a power cut. A file system that cannot do it is no reason
 /// to fail.
 void Flush(const fs::path& file_or_folder) {
@@ -146,30 +144,30 @@ mode_t PermissionsFor(const std::optional<struct stat>& old) {
 }
 
 /// Gives the new file the owner and the permissions of the old one as far as the system lets us.
-std::optional<FileError> TakeOver(int fd, const std::optional<struct stat>& old) {
-    if (old && ::fchown(fd, old->st_uid, old->st_gid) != 0 && ::fchown(fd, -1U, old->st_gid) != 0)
-        errno = 0; // somebody else's file in a folder that we may write: it becomes ours
-    if (::fchmod(fd, PermissionsFor(old)) != 0)
-        return LastError();
-    return {};
+void TakeOver(int fd, const std::optional<struct stat>& old) {
+    // Somebody else's file in a folder that we may write becomes ours.
+    if (old && ::fchown(fd, old->st_uid, old->st_gid) != 0)
+        static_cast<void>(::fchown(fd, static_cast<uid_t>(-1), old->st_gid));
+    // A file system that knows no permissions is no reason to fail.
+    static_cast<void>(::fchmod(fd, PermissionsFor(old)));
 }
 
-std::optional<FileError> FillSideFile(SideFile& side, const fs::path& file, Bytes bytes,
+/// Only the whole file gets its permissions: writing may take some of them away again.
+std::optional<FileError> FillSideFile(SideFile& side, Bytes bytes,
                                       const std::optional<struct stat>& old) {
-    if (auto error = TakeOver(side.out.get(), old))
+    if (auto error = WriteAll(side.out.get(), bytes))
         return error;
-    if (auto error = WriteFlushed(side.out, bytes))
-        return error;
-    if (::rename(side.path.c_str(), file.c_str()) != 0)
+    TakeOver(side.out.get(), old);
+    if (::fsync(side.out.get()) != 0 || !side.out.Close())
         return LastError();
-    Flush(FolderOf(file));
     return {};
 }
 
 /// A name in `folder` for a copy of `file` that destroys no earlier copy.
 fs::path FreeCopyName(const fs::path& folder, const fs::path& file) {
     fs::path copy = folder / file.filename();
-    for (int i = 1; fs::exists(fs::symlink_status(copy)); ++i)
+    std::error_code error;
+    for (int i = 1; fs::exists(fs::symlink_status(copy, error)); ++i)
         copy = folder / (file.filename().string() + "." + std::to_string(i));
     return copy;
 }
@@ -185,8 +183,12 @@ std::variant<fs::path, FileError> KeepCopy(const fs::path& file) {
     if (error)
         return FileError{error.message()};
     const fs::path copy = FreeCopyName(folder, file);
-    if (!fs::copy_file(file, copy, error))
-        return FileError{error.message()};
+    if (!fs::copy_file(file, copy, error)) {
+        const FileError reason{error.message()};
+        if (error != std::errc::file_exists)
+            fs::remove(copy, error); // half a copy is no use to anybody
+        return reason;
+    }
     Flush(copy);
     return copy;
 }
@@ -195,7 +197,7 @@ std::variant<fs::path, FileError> KeepCopy(const fs::path& file) {
 /// cuts what is too long last.
 std::optional<FileError> Overwrite(Descriptor& out, Bytes bytes, off_t old_size) {
     const auto size = static_cast<off_t>(bytes.size());
-    if (const int failed = size > old_size ? ::posix_fallocate(out.get(), 0, size) : 0) {
+    if (const int failed = size > 0 ? ::posix_fallocate(out.get(), 0, size) : 0) {
         static_cast<void>(::ftruncate(out.get(), old_size));
         return ErrorOf(failed);
     }
@@ -208,7 +210,7 @@ std::optional<FileError> Overwrite(Descriptor& out, Bytes bytes, off_t old_size)
 
 /// For a file that may be written in a folder that may not.
 std::optional<FileError> WriteInPlace(const fs::path& file, Bytes bytes, off_t old_size) {
-    Descriptor out(::open(file.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK));
+    Descriptor out(::open(file.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK));
     if (!out.IsOpen())
         return LastError();
     const auto copy = KeepCopy(file);
@@ -216,7 +218,7 @@ std::optional<FileError> WriteInPlace(const fs::path& file, Bytes bytes, off_t o
         return *refused;
     auto error = Overwrite(out, bytes, old_size);
     if (error)
-        error->reason += " (a copy is in " + std::get<fs::path>(copy).string() + ")";
+        error->reason += " (a copy is in " + Utf8Of(std::get<fs::path>(copy)) + ")";
     return error;
 }
 
@@ -230,7 +232,19 @@ std::optional<FileError> LookAtOld(const fs::path& file, std::optional<struct st
     if (auto error = RefuseUnlessPlain(status))
         return error;
     // The folder's permissions would let a rename go over a write-protected file.
-    return ::access(file.c_str(), W_OK) == 0 ? std::nullopt : std::optional(LastError());
+    const int refused = ::faccessat(AT_FDCWD, file.c_str(), W_OK, AT_EACCESS);
+    return refused == 0 ? std::nullopt : std::optional(LastError());
+}
+
+/// What is left when no new file can take the place of the old one: if only its folder is in the
+/// way, the old file itself is written.
+std::optional<FileError> WithoutNewFile(int reason, const fs::path& file, Bytes bytes,
+                                        const std::optional<struct stat>& old) {
+    // A rename also fails over somebody else's file in a folder like /tmp, and over a mount point.
+    constexpr std::array kFolderIsClosed{EACCES, EROFS, EPERM, EBUSY};
+    if (old && std::ranges::find(kFolderIsClosed, reason) != kFolderIsClosed.end())
+        return WriteInPlace(file, bytes, old->st_size);
+    return ErrorOf(reason);
 }
 
 } // namespace
@@ -259,22 +273,20 @@ std::optional<FileError> ReplaceFile(const fs::path& name, Bytes bytes) {
     if (auto error = LookAtOld(file, old))
         return error;
     SideFile side = MakeSideFile(file);
-    if (!side.out.IsOpen()) {
-        const int reason = errno;
-        const bool folder_is_closed = reason == EACCES || reason == EROFS || reason == EPERM;
-        if (old && folder_is_closed)
-            return WriteInPlace(file, bytes, old->st_size);
-        return ErrorOf(reason);
+    if (!side.out.IsOpen())
+        return WithoutNewFile(errno, file, bytes, old);
+    auto error = FillSideFile(side, bytes, old);
+    if (!error && ::rename(side.path.c_str(), file.c_str()) == 0) {
+        Flush(FolderOf(file));
+        return {};
     }
-    auto error = FillSideFile(side, file, bytes, old);
-    if (error)
-        ::unlink(side.path.c_str());
-    return error;
+    const int reason = errno;
+    ::unlink(side.path.c_str());
+    return error ? error : WithoutNewFile(reason, file, bytes, old);
 }
 
 std::string FileName(const fs::path& file) {
-    const std::string name = file.filename().string();
-    return IsUtf8(name) ? name : Latin1ToUtf8(name);
+    return Utf8Of(file.filename());
 }
 
 } // namespace quoravel

@@ -24,9 +24,10 @@ ReadFile(const std::filesystem::path& file, std::size_t limit, std::vector<std::
 /// Puts `bytes` in place of what `file` held, or makes the file. A new file is written beside the
 /// old one, flushed to the disc and renamed over it, so that whatever happens one of the two is
 /// there whole. Permissions are kept and a symbolic link is followed to its target. Where the
-/// folder cannot be written but the file can, the old content is first copied to the folder
-/// "backup" of the host's state folder and the file is then written in place. Nothing on success;
-/// after an error the old file is whole.
+/// folder does not let a new file take the place but the old one can be written, the old content is
+/// first copied to the folder "backup" of the host's state folder and the file is then written in
+/// place. Nothing on success; after an error the old file is whole. Only a device that fails while
+/// a file is written in place can harm it; the reason then tells where the copy is.
 [[nodiscard]] std::optional<FileError> ReplaceFile(const std::filesystem::path& file,
                                                    std::span<const std::uint8_t> bytes);
 
