@@ -98,7 +98,7 @@ std::optional<FileError> WriteAll(int fd, Bytes bytes) {
 
 /// Makes a rename or a copy last through a power cut. A file system that cannot do it is no reason
 /// to fail.
-void Flush(const fs::path& file_or_folder) {
+void FlushToDisc(const fs::path& file_or_folder) {
     const Descriptor descriptor(::open(file_or_folder.c_str(), O_RDONLY | O_CLOEXEC));
     if (descriptor.IsOpen())
         static_cast<void>(::fsync(descriptor.get()));
@@ -154,11 +154,11 @@ void TakeOver(int fd, const std::optional<struct stat>& old) {
 
 /// Only the whole file gets its permissions: writing may take some of them away again.
 std::optional<FileError> FillSideFile(SideFile& side, Bytes bytes,
-                                      const std::optional<struct stat>& old) {
+                                      const std::optional<struct stat>& old, Flush flush) {
     if (auto error = WriteAll(side.out.get(), bytes))
         return error;
     TakeOver(side.out.get(), old);
-    if (::fsync(side.out.get()) != 0 || !side.out.Close())
+    if ((flush == Flush::Yes && ::fsync(side.out.get()) != 0) || !side.out.Close())
         return LastError();
     return {};
 }
@@ -189,7 +189,7 @@ std::variant<fs::path, FileError> KeepCopy(const fs::path& file) {
             fs::remove(copy, error); // half a copy is no use to anybody
         return reason;
     }
-    Flush(copy);
+    FlushToDisc(copy);
     return copy;
 }
 
@@ -267,7 +267,7 @@ std::optional<FileError> ReadFile(const fs::path& file, std::size_t limit,
     return {};
 }
 
-std::optional<FileError> ReplaceFile(const fs::path& name, Bytes bytes) {
+std::optional<FileError> ReplaceFile(const fs::path& name, Bytes bytes, Flush flush) {
     const fs::path file = FollowLinks(name);
     std::optional<struct stat> old;
     if (auto error = LookAtOld(file, old))
@@ -275,9 +275,10 @@ std::optional<FileError> ReplaceFile(const fs::path& name, Bytes bytes) {
     SideFile side = MakeSideFile(file);
     if (!side.out.IsOpen())
         return WithoutNewFile(errno, file, bytes, old);
-    auto error = FillSideFile(side, bytes, old);
+    auto error = FillSideFile(side, bytes, old, flush);
     if (!error && ::rename(side.path.c_str(), file.c_str()) == 0) {
-        Flush(FolderOf(file));
+        if (flush == Flush::Yes)
+            FlushToDisc(FolderOf(file));
         return {};
     }
     const int reason = errno;

@@ -21,6 +21,10 @@ struct FileError {
 [[nodiscard]] std::optional<FileError>
 ReadFile(const std::filesystem::path& file, std::size_t limit, std::vector<std::uint8_t>& bytes);
 
+/// Whether a written file is to outlive a power cut. Waiting for the disc takes far longer than the
+/// writing; what can be written again at any time goes without.
+enum class Flush { Yes, No };
+
 /// Puts `bytes` in place of what `file` held, or makes the file. A new file is written beside the
 /// old one, flushed to the disc and renamed over it, so that whatever happens one of the two is
 /// there whole. Permissions are kept and a symbolic link is followed to its target. Where the
@@ -29,7 +33,8 @@ ReadFile(const std::filesystem::path& file, std::size_t limit, std::vector<std::
 /// place. Nothing on success; after an error the old file is whole. Only a device that fails while
 /// a file is written in place can harm it; the reason then tells where the copy is.
 [[nodiscard]] std::optional<FileError> ReplaceFile(const std::filesystem::path& file,
-                                                   std::span<const std::uint8_t> bytes);
+                                                   std::span<const std::uint8_t> bytes,
+                                                   Flush flush = Flush::Yes);
 
 /// The last part of `file` in UTF-8, as titles and messages show it. Bytes that are not UTF-8 are
 /// shown as the Latin-1 characters that they would be.
