@@ -41,6 +41,13 @@ inline RegionTable FreeSpaceMap{};   ///< [drive][region] first sector
 inline RegionTable FreeSpaceLen{};   ///< [drive][region] length in sectors
 inline std::array<int, kDrives> FreeSpaceNum{}; ///< regions in use on each drive
 
+// The small dialogs and the in-place rename.
+inline std::string a_load;     ///< load address into and out of the address dialog, hex text
+inline std::string a_exec;     ///< exec address, likewise
+inline bool a_change = false;  ///< the address dialog was left with OK
+inline std::string gOldString; ///< name of the file under in-place rename
+inline bool gDone = false;     ///< the in-place rename has ended
+
 /// Makes DiscImg and empties gsFile.
 void Init();
 
