@@ -10,6 +10,8 @@ StatusLine* status_line = nullptr;
 
 void Init() {
     DiscImg = DiscBlock();
+    gTraceWindow = false;
+    gTraceFileOpen = false;
     gsFile.clear();
 }
 

@@ -48,7 +48,11 @@ inline bool a_change = false;  ///< the address dialog was left with OK
 inline std::string gOldString; ///< name of the file under in-place rename
 inline bool gDone = false;     ///< the in-place rename has ended
 
-/// Makes DiscImg and empties gsFile.
+// The trace of the link.
+inline bool gTraceWindow = false;   ///< the trace window is open
+inline bool gTraceFileOpen = false; ///< the trace is being written to a file
+
+/// Makes DiscImg, empties gsFile and clears the trace state.
 void Init();
 
 /// Sets the status line of `drive`.

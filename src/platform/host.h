@@ -57,6 +57,10 @@ class Host {
     /// made on demand by whoever writes there; nothing if there is none.
     [[nodiscard]] virtual std::optional<std::filesystem::path> StateFolder() = 0;
 
+    /// Ends the program: the event loop returns, and every wait unwinds by AppQuitting at its next
+    /// pump.
+    virtual void Quit() = 0;
+
     /// Opens a web or mail link with the desktop's own program. `done` gets the exit code of the
     /// desktop's opener (0 is success) and what it printed; it may be called after this returns.
     virtual void OpenLink(std::string_view url,

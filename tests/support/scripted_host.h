@@ -30,6 +30,7 @@ class ScriptedHost : public Host {
     std::vector<std::string> filters; ///< extensions of each open or save dialog
     std::vector<std::string> links;
     int pumps = 0; ///< how often DoEvents was called
+    int quits = 0; ///< how often the program was told to end
 
     // Answers to come.
     std::deque<bool> yes_no;
@@ -61,6 +62,7 @@ class ScriptedHost : public Host {
 
     std::optional<std::filesystem::path> StateFolder() override { return state_folder; }
 
+    void Quit() override { ++quits; }
     void OpenLink(std::string_view url, std::function<void(int, const std::string&)> done) override;
 
     std::chrono::nanoseconds now{0};

@@ -1,0 +1,56 @@
+#include "platform/qt/place.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+
+#include <algorithm>
+
+namespace quoravel {
+
+namespace {
+
+constexpr int kTitleHeight = 24;    // about what window managers draw above the frame's content
+constexpr QSize kReachable(64, 12); // enough of a title bar to take hold of
+
+bool CanBeReached(const QRect& window, const QRect& screen) {
+    const QRect title(window.topLeft(), QSize(window.width(), kTitleHeight));
+    const QRect seen = title.intersected(screen);
+    return seen.width() >= kReachable.width() && seen.height() >= kReachable.height();
+}
+
+/// How far `point` is from `screen`, in pixels of both directions together; 0 inside.
+int DistanceFrom(const QRect& screen, const QPoint& point) {
+    const QPoint nearest(std::clamp(point.x(), screen.left(), screen.right()),
+                         std::clamp(point.y(), screen.top(), screen.bottom()));
+    return (point - nearest).manhattanLength();
+}
+
+/// `start` moved so that `length` fits into [low, high], or starts at low if it cannot.
+int Fit(int start, int length, int low, int high) {
+    return std::max(low, std::min(start, high - length + 1));
+}
+
+} // namespace
+
+QSize ScreenSize() {
+    return QGuiApplication::primaryScreen()->size();
+}
+
+QRect InsideSomeScreen(const QRect& window, const QList<QRect>& screens) {
+    if (std::ranges::any_of(screens, [&](const QRect& s) { return CanBeReached(window, s); }))
+        return window;
+    const QRect screen = *std::ranges::min_element(
+        screens, {}, [&](const QRect& s) { return DistanceFrom(s, window.center()); });
+    return {Fit(window.left(), window.width(), screen.left(), screen.right()),
+            Fit(window.top(), window.height(), screen.top(), screen.bottom()), window.width(),
+            window.height()};
+}
+
+QRect InsideSomeScreen(const QRect& window) {
+    QList<QRect> screens;
+    for (const QScreen* screen : QGuiApplication::screens())
+        screens.append(screen->availableGeometry());
+    return InsideSomeScreen(window, screens);
+}
+
+} // namespace quoravel

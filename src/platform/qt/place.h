@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QRect>
+
+class QWidget;
+
+namespace quoravel {
+
+/// Size of the first screen in pixels.
+[[nodiscard]] QSize ScreenSize();
+
+/// `window` as a frame in screen coordinates, moved just inside the nearest screen if nothing of
+/// its title bar could be reached where it is. The size stays.
+[[nodiscard]] QRect InsideSomeScreen(const QRect& window);
+
+/// The same against screens given by their rectangles, the first of which exists.
+[[nodiscard]] QRect InsideSomeScreen(const QRect& window, const QList<QRect>& screens);
+
+} // namespace quoravel

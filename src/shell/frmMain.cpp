@@ -1,0 +1,149 @@
+#include "shell/frmMain.h"
+
+#include "disc/compact.h"
+#include "platform/qt/guard.h"
+#include "platform/qt/listbox.h"
+#include "platform/qt/text.h"
+#include "prefs/xml_preferences.h"
+#include "shell/frmAbout.h"
+#include "shell/frmPlace.h"
+#include "shell/menus.h"
+
+#include <QCloseEvent>
+#include <QFrame>
+#include <QLabel>
+#include <QLayout>
+#include <QMenu>
+#include <QMenuBar>
+
+#include <utility>
+
+namespace quoravel {
+
+namespace {
+
+constexpr QSize kNewSize(800, 600); // of the content, below the menu bar
+constexpr int kLeastStartWidth = 800;
+constexpr int kLeastWidth = 400; // lower than at the start, and meant to be
+
+/// The options: the name of the menu item and the key of its mark in the preferences.
+constexpr std::array<std::pair<std::string_view, const char*>, 3> kOptions{{
+    {"OptionsDeleteLockedFiles", "DeleteLocked"},
+    {"OptionsPlayWave", "PlayWave"},
+    {"OptionsAutoLoad", "AutoLoad"},
+}};
+
+} // namespace
+
+frmMain::frmMain() : content_(new QWidget(this)), panes_{}, menu_(*menuBar(), frmMainMenu) {
+    setObjectName(QStringLiteral("frmMain"));
+    setWindowTitle(QStringLiteral("Quoravel"));
+    setMinimumSize(kLeastWindowSize, kLeastWindowSize);
+    setMaximumSize(kLargestWindowSize, kLargestWindowSize);
+    menuBar()->setObjectName(QStringLiteral("frmMainMenu"));
+    setCentralWidget(content_);
+    for (int drive = 0; drive < kDrives; ++drive)
+        BuildPane(drive);
+    AddMenuHandlers();
+    Module1::InstallStatusLine(this);
+}
+
+frmMain::~frmMain() {
+    Module1::InstallStatusLine(nullptr);
+}
+
+void frmMain::AddMenuHandlers() {
+    const auto handle = [this](std::string_view name, void (frmMain::*action)()) {
+        menu_.Handle(name, [this, action] { (this->*action)(); });
+    };
+    handle("DiscOpenDiscImage", &frmMain::DiscOpenDiscImage_Action);
+    handle("NewDiscImageTrackDSD400Kdsd", &frmMain::DiscNew80DSD);
+    handle("NewDiscImageTrackSSD200Kssd", &frmMain::DiscNew80SSD);
+    handle("NewDiscImageTrackSSD100Kssd", &frmMain::DiscNew40SSD);
+    handle("NewDiscImageTrackDSD400KdsdWatford", &frmMain::DiscNew80DSDWatford);
+    handle("NewDiscImageTrackSSD200KssdWatford", &frmMain::DiscNew80SSDWatford);
+    handle("NewDiscImageTrackSSD100KssdWatford", &frmMain::DiscNew40SSDWatford);
+    handle("DiscSaveDiscImage", &frmMain::DiscSaveDiscImage_Action);
+    handle("DiscSaveDiscImageAs", &frmMain::DiscSaveDiscImageAs_Action);
+    handle("DiscCompactDisc", &frmMain::DiscCompactDisc_Action);
+    handle("FileSelectAll", &frmMain::FileSelectAll_Action);
+    handle("HelpAboutQuoravel", &frmMain::HelpAboutQuoravel_Action);
+    menu_.Handle("FileQuit", [this] { close(); });
+    for (const auto& [item, key] : kOptions)
+        menu_.Handle(item, [] {}); // the item flips its own mark; others read it
+    menu_.SetRule("TraceWindow", [] { return !Module1::gTraceWindow; });
+    menu_.SetRule("TraceToFile", [] { return !Module1::gTraceFileOpen; });
+}
+
+void frmMain::Event_Open() {
+    XMLPreferences::InitPrefFile("Quoravel.pref");
+    XMLPreferences::WritePrefFile();
+    RestorePlace();
+    show();
+    Module1::Init();
+    DiscNew80DSD();
+    Module1::cur_drive = 0;
+    for (const auto& [item, key] : kOptions)
+        menu_.Item(item).setChecked(XMLPreferences::GetPrefBoolean(key, true));
+}
+
+void frmMain::RestorePlace() {
+    const QRect place = StoredPlace("Main", kNewSize);
+    const int width = std::max(place.width(), kLeastStartWidth);
+    move(place.topLeft());
+    resize(width, place.height() + menuBar()->heightForWidth(width));
+}
+
+bool frmMain::Event_CancelClose() {
+    if (Module1::gDirty)
+        QuerySaveChanges();
+    return false;
+}
+
+void frmMain::Event_Close() {
+    if (Module1::gDirty)
+        QuerySaveChanges();
+    StorePlace("Main", *this, content_->size());
+    for (const auto& [item, key] : kOptions)
+        XMLPreferences::SetPrefBoolean(key, menu_.Item(item).isChecked());
+    XMLPreferences::WritePrefFile();
+    host().Quit();
+}
+
+void frmMain::closeEvent(QCloseEvent* event) {
+    Guarded([&] {
+        if (Event_CancelClose()) {
+            event->ignore();
+            return;
+        }
+        Event_Close();
+    });
+}
+
+void frmMain::resizeEvent(QResizeEvent* event) {
+    QMainWindow::resizeEvent(event);
+    Event_Resized();
+}
+
+void frmMain::Event_Resized() {
+    if (width() < kLeastWidth) {
+        resize(kLeastWidth, height()); // comes back here
+        return;
+    }
+    SizeControls(IsTwoSided() ? width() / 2 : width());
+}
+
+void frmMain::SetTitleBar() {
+    setWindowTitle(HostText("Quoravel - " + Module1::gsRoot + (Module1::gDirty ? "*" : "")));
+}
+
+void frmMain::DiscCompactDisc_Action() {
+    Compact(Module1::cur_drive);
+    GetRootTitles(Module1::cur_drive);
+}
+
+void frmMain::HelpAboutQuoravel_Action() {
+    frmAbout(this).exec();
+}
+
+} // namespace quoravel

@@ -1,0 +1,107 @@
+#pragma once
+
+#include "disc/module1.h"
+#include "platform/qt/menu_bar.h"
+
+#include <QMainWindow>
+
+#include <array>
+#include <filesystem>
+
+class QFrame;
+class QLabel;
+
+namespace quoravel {
+
+class Listbox;
+
+/// The main window: the start and the end of the program, the catalogues of the loaded disc image
+/// in two lists side by side, the selection that every file command works on, the status line of
+/// each drive. A drive is 0 or 1, and the number of its list.
+class frmMain : public QMainWindow, private StatusLine {
+  public:
+    frmMain();
+    ~frmMain() override;
+
+    /// Starts the program: preferences, the window's place, a blank two-sided disc, option marks.
+    void Event_Open();
+
+    /// Rebuilds the list of a drive from the image, its status line and the title bar. The
+    /// selection goes to row 0 of that list if it has rows, and is empty otherwise.
+    void GetRootTitles(int drive);
+
+    /// Sets up the columns of a list.
+    void MakeRootColumns(int drive);
+
+    /// Places lists and status lines for lists of `width` pixels.
+    void SizeControls(int width);
+
+    /// Asks whether to save the changes, and saves if told to. The changes count as saved whatever
+    /// the answer; only a save that fails leaves them marked.
+    void QuerySaveChanges();
+
+    /// Loads an image file in the form that its name asks for and sets up the lists. Asks nothing
+    /// about unsaved changes. A file that cannot be read is told in a box and changes nothing.
+    void OpenDisc(const std::filesystem::path& file);
+
+    enum class SaveResult { Saved, Cancelled, Failed };
+
+    /// Saves to `file`, or asks for a file if it is empty, in the form that the name asks for. A
+    /// save that fails is told in a box and leaves everything as it was.
+    SaveResult DiscSave(const std::filesystem::path& file);
+
+    // A new blank image in place of the one in memory. gsFile stays as it is: a plain save still
+    // goes to the file opened before.
+    void DiscNew80DSD();
+    void DiscNew80SSD();
+    void DiscNew40SSD();
+    void DiscNew80DSDWatford();
+    void DiscNew80SSDWatford();
+    void DiscNew40SSDWatford();
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+  private:
+    void BuildPane(int drive);
+    void AddMenuHandlers();
+    void RestorePlace();
+
+    bool Event_CancelClose();
+    void Event_Close();
+    void Event_Resized();
+
+    void DiscOpenDiscImage_Action();
+    void DiscSaveDiscImage_Action();
+    void DiscSaveDiscImageAs_Action();
+    void DiscCompactDisc_Action();
+    void FileSelectAll_Action();
+    void HelpAboutQuoravel_Action();
+
+    void lvwDB_GotFocus(int drive);
+    void lvwDB_CellClick(int drive, int row);
+    void lvwDB_MouseDown(QPoint where);
+
+    void SetMsgText(int drive, std::string_view text) override;
+    void SetTitleBar();
+    void SetContentWidth(int width);
+    void ShowOneSide();
+    void ShowBothSides();
+    void NewDiscImage(std::string_view root, int drives, int tracks, bool watford);
+
+    [[nodiscard]] Listbox& lvwDB(int drive) const;
+    [[nodiscard]] bool IsTwoSided() const;
+
+    struct Pane {
+        Listbox* lvwDB;
+        QFrame* StatusBox;
+        QLabel* MsgText;
+    };
+
+    QWidget* content_;
+    std::array<Pane, kDrives> panes_;
+    MenuBar menu_;
+};
+
+} // namespace quoravel

@@ -1,0 +1,136 @@
+// frmMain: the two lists, their status lines and the selection that they share.
+
+#include "disc/free_space.h"
+#include "disc/listing.h"
+#include "platform/qt/guard.h"
+#include "platform/qt/listbox.h"
+#include "platform/qt/text.h"
+#include "shell/frmMain.h"
+
+#include <QApplication>
+#include <QFrame>
+#include <QLabel>
+#include <QMenu>
+
+namespace quoravel {
+
+namespace {
+
+constexpr int kStatusHeight = 20;
+constexpr int kStatusMargin = 20; // on each side of the status text
+
+/// The busy cursor for as long as this lives.
+class BusyCursor {
+  public:
+    BusyCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+
+    BusyCursor(const BusyCursor&) = delete;
+    BusyCursor& operator=(const BusyCursor&) = delete;
+
+    ~BusyCursor() { QApplication::restoreOverrideCursor(); }
+};
+
+QString NameOf(const char* control, int drive) {
+    return QStringLiteral("%1(%2)").arg(QLatin1StringView(control)).arg(drive);
+}
+
+} // namespace
+
+void frmMain::BuildPane(int drive) {
+    auto* list = new Listbox(content_);
+    list->setObjectName(NameOf("lvwDB", drive));
+    list->setAccessibleName(QStringLiteral("Files of drive %1").arg(drive));
+    auto* box = new QFrame(content_);
+    box->setObjectName(NameOf("StatusBox", drive));
+    box->setFrameShape(QFrame::StyledPanel);
+    auto* text = new QLabel(box);
+    text->setObjectName(NameOf("MsgText", drive));
+    text->setTextFormat(Qt::PlainText);
+    panes_[static_cast<std::size_t>(drive)] = {list, box, text};
+
+    Connect(list, &Listbox::GotFocus, this, [this, drive] { lvwDB_GotFocus(drive); });
+    Connect(list, &Listbox::CellClick, this,
+            [this, drive](int row, int, int, int) { lvwDB_CellClick(drive, row); });
+    // A key that moves to another row chooses it as a click does.
+    Connect(list, &Listbox::RowChange, this,
+            [this, drive](int row) { lvwDB_CellClick(drive, row); });
+    Connect(list, &Listbox::SelectAllRequested, this, [this, drive] {
+        lvwDB_GotFocus(drive);
+        FileSelectAll_Action();
+    });
+    Connect(list, &Listbox::ContextualClick, this,
+            [this](QPoint where) { lvwDB_MouseDown(where); });
+}
+
+Listbox& frmMain::lvwDB(int drive) const {
+    return *panes_[static_cast<std::size_t>(drive)].lvwDB;
+}
+
+bool frmMain::IsTwoSided() const {
+    return !lvwDB(1).isHidden();
+}
+
+void frmMain::SetMsgText(int drive, std::string_view text) {
+    QLabel& label = *panes_[static_cast<std::size_t>(drive)].MsgText;
+    label.setText(ScreenText(text));
+    label.setToolTip(ScreenText(text)); // a narrow window cuts the line short
+}
+
+void frmMain::MakeRootColumns(int drive) {
+    lvwDB(drive).SetColumns({"FileName", "Attr", "Load", "Exec", "Size", "Sector"},
+                            {26, 10, 16, 16, 16, 16});
+}
+
+void frmMain::GetRootTitles(int drive) {
+    const BusyCursor busy;
+    SetTitleBar();
+    Module1::mSelectedItem = -1;
+    Listbox& list = lvwDB(drive);
+    list.DeleteAllRows();
+    MakeRootColumns(drive);
+    for (const ListRow& row : SortedListFiles(drive))
+        list.AddRow({row.FileName, row.Attr, row.Load, row.Exec, row.Size, row.Sector});
+    ShowFree(drive);
+    if (list.ListCount() > 0) {
+        list.SelectOnly(0);
+        Module1::cur_drive = drive;
+        Module1::mSelectedItem = 0;
+    }
+}
+
+void frmMain::SizeControls(int width) {
+    const int status_top = content_->height() - kStatusHeight;
+    const auto place = [&](Pane& pane, int left) {
+        pane.lvwDB->setGeometry(left, 0, width, status_top);
+        pane.StatusBox->setGeometry(left, status_top, width, kStatusHeight);
+        pane.MsgText->setGeometry(kStatusMargin, 0, width - 2 * kStatusMargin, kStatusHeight);
+    };
+    panes_[1].StatusBox->setVisible(IsTwoSided()); // and with it the text inside
+    place(panes_[0], 0);
+    if (IsTwoSided())
+        place(panes_[1], width);
+}
+
+void frmMain::lvwDB_GotFocus(int drive) {
+    Module1::cur_drive = drive;
+}
+
+void frmMain::lvwDB_CellClick(int drive, int row) {
+    Module1::mSelectedItem = row;
+    Module1::cur_drive = drive;
+}
+
+void frmMain::lvwDB_MouseDown(QPoint where) {
+    menu_.Menu("FileMenu").popup(where);
+}
+
+void frmMain::FileSelectAll_Action() {
+    Listbox& list = lvwDB(Module1::cur_drive);
+    if (list.ListCount() == 0)
+        return;
+    list.selectAll();
+    Module1::mSelectedItem = 0;
+    list.setFocus();
+}
+
+} // namespace quoravel
