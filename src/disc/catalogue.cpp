@@ -53,6 +53,12 @@ int BootOption(int drive) {
     return static_cast<int>(ByteAt(GetStartSectorOfDrive(drive) + kFlagsByte) >> 4U & 3U);
 }
 
+void SetBootOption(int drive, int option) {
+    const int flags = GetStartSectorOfDrive(drive) + kFlagsByte;
+    const unsigned stored = (ByteAt(flags) & 207U) | (static_cast<unsigned>(option) & 3U) << 4U;
+    Module1::DiscImg.SetByte(flags, static_cast<std::uint8_t>(stored));
+}
+
 inline namespace Module7 {
 
 bool IsWatfordDFS(int drive) {

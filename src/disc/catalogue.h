@@ -44,6 +44,10 @@ inline constexpr int kDirectoryByte = 7;
 /// Boot option of a drive, 0 to 3.
 [[nodiscard]] int BootOption(int drive);
 
+/// Stores a boot option of 0 to 3. Meant: neither the cycle number nor gDirty takes note of it, so
+/// a changed boot option alone can be lost without a question.
+void SetBootOption(int drive, int option);
+
 inline namespace Module7 {
 
 /// True exactly if bytes 512 to 519 of the drive are all 0xAA.

@@ -1,6 +1,7 @@
 #include "disc/compact.h"
 
 #include "disc/catalogue.h"
+#include "disc/entries.h"
 #include "disc/free_space.h"
 #include "disc/module1.h"
 
@@ -28,26 +29,6 @@ int SlideDown(int drive, int file_number, int next) {
     return next + SectorsOf(bytes);
 }
 
-int SlotOffset(int base, int slot) {
-    return base + kEntryBytes + kEntryBytes * slot;
-}
-
-/// Copies a catalogue slot, name and information, to another slot.
-void CopySlot(int from, int to) {
-    Module1::DiscImg.CopyAscending(from, to, kEntryBytes);
-    Module1::DiscImg.CopyAscending(from + kInfoDistance, to + kInfoDistance, kEntryBytes);
-}
-
-void ClearSlot(int at) {
-    Module1::DiscImg.Fill(at, kEntryBytes, 0);
-    Module1::DiscImg.Fill(at + kInfoDistance, kEntryBytes, 0);
-}
-
-void AddFiles(int base, int files) {
-    const int count = Module1::DiscImg.Byte(base + kCountByte) + 8 * files;
-    Module1::DiscImg.SetByte(base + kCountByte, static_cast<std::uint8_t>(count));
-}
-
 /// Fills the first catalogue from the second. Its last entries are its lowest files, so at the
 /// front of the first catalogue they keep the descending order.
 void MoveEntriesToFirstCatalogue(int drive) {
@@ -57,14 +38,14 @@ void MoveEntriesToFirstCatalogue(int drive) {
     const int in_second = FilesInCatalogue(second);
     const int moved = std::min(kSlots - in_first, in_second);
     for (int i = in_first - 1; i >= 0; --i)
-        CopySlot(SlotOffset(first, i), SlotOffset(first, i + moved));
+        CopyEntry(SlotOffset(first, i), SlotOffset(first, i + moved));
     for (int k = 0; k < moved; ++k) {
         const int source = SlotOffset(second, in_second - 1 - k);
-        CopySlot(source, SlotOffset(first, moved - 1 - k));
-        ClearSlot(source);
+        CopyEntry(source, SlotOffset(first, moved - 1 - k));
+        ClearEntry(source);
     }
-    AddFiles(first, moved);
-    AddFiles(second, -moved);
+    AddToCount(first, moved);
+    AddToCount(second, -moved);
 }
 
 } // namespace
