@@ -1,0 +1,3 @@
+#include "link/allowed.h"
+
+#include <QMenu>

@@ -1,0 +1,3 @@
+#include "shell/allowed.h"
+
+#include <QWidget>
