@@ -267,6 +267,17 @@ std::optional<FileError> ReadFile(const fs::path& file, std::size_t limit,
     return {};
 }
 
+std::optional<FileError> LengthOfFile(const fs::path& file, std::uint64_t& length) {
+    struct stat status {};
+
+    if (::stat(file.c_str(), &status) != 0)
+        return LastError();
+    if (auto error = RefuseUnlessPlain(status))
+        return error;
+    length = static_cast<std::uint64_t>(std::max<off_t>(status.st_size, 0));
+    return {};
+}
+
 std::optional<FileError> ReplaceFile(const fs::path& name, Bytes bytes, Flush flush) {
     const fs::path file = FollowLinks(name);
     std::optional<struct stat> old;
@@ -284,6 +295,18 @@ std::optional<FileError> ReplaceFile(const fs::path& name, Bytes bytes, Flush fl
     const int reason = errno;
     ::unlink(side.path.c_str());
     return error ? error : WithoutNewFile(reason, file, bytes, old);
+}
+
+std::optional<FileError> MakePrivateFolder(fs::path& folder) {
+    std::error_code error;
+    const fs::path parent = fs::temp_directory_path(error);
+    if (error)
+        return FileError{error.message()};
+    std::string name = (parent / "quoravel-XXXXXX").string();
+    if (::mkdtemp(name.data()) == nullptr)
+        return LastError();
+    folder = name;
+    return {};
 }
 
 std::string FileName(const fs::path& file) {

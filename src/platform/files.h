@@ -21,6 +21,11 @@ struct FileError {
 [[nodiscard]] std::optional<FileError>
 ReadFile(const std::filesystem::path& file, std::size_t limit, std::vector<std::uint8_t>& bytes);
 
+/// Length in bytes of a plain file, looked at without opening it. What ReadFile refuses is an error
+/// here too.
+[[nodiscard]] std::optional<FileError> LengthOfFile(const std::filesystem::path& file,
+                                                    std::uint64_t& length);
+
 /// Whether a written file is to outlive a power cut. Waiting for the disc takes far longer than the
 /// writing; what can be written again at any time goes without.
 enum class Flush { Yes, No };
@@ -35,6 +40,10 @@ enum class Flush { Yes, No };
 [[nodiscard]] std::optional<FileError> ReplaceFile(const std::filesystem::path& file,
                                                    std::span<const std::uint8_t> bytes,
                                                    Flush flush = Flush::Yes);
+
+/// Makes a new folder in the host's temporary folder that this user alone can enter. Its name
+/// starts with "quoravel-".
+[[nodiscard]] std::optional<FileError> MakePrivateFolder(std::filesystem::path& folder);
 
 /// The last part of `file` in UTF-8, as titles and messages show it. Bytes that are not UTF-8 are
 /// shown as the Latin-1 characters that they would be.

@@ -89,6 +89,20 @@ bool IsUtf8(std::string_view text) {
     return true;
 }
 
+std::string LowBytesOfUtf8(std::string_view text) {
+    std::string bytes;
+    while (!text.empty()) {
+        const std::size_t length = std::max<std::size_t>(Utf8LengthAt(text), 1);
+        auto low = static_cast<unsigned char>(text[length - 1]);
+        if (length > 1) // six bits of the code in the last byte, the next ones in that before it
+            low = static_cast<unsigned char>((low & 0x3FU) |
+                                             static_cast<unsigned char>(text[length - 2]) << 6U);
+        bytes += static_cast<char>(low);
+        text.remove_prefix(length);
+    }
+    return bytes;
+}
+
 std::string Latin1ToUtf8(std::string_view text) {
     std::string utf8;
     utf8.reserve(text.size());

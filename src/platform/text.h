@@ -29,6 +29,10 @@ namespace quoravel {
 /// True if `text` is well-formed UTF-8.
 [[nodiscard]] bool IsUtf8(std::string_view text);
 
+/// The characters of UTF-8 text as one byte each, the low byte of their code. Bytes that are not
+/// UTF-8 count as themselves.
+[[nodiscard]] std::string LowBytesOfUtf8(std::string_view text);
+
 /// Each byte as the Latin-1 character that it is, in UTF-8.
 [[nodiscard]] std::string Latin1ToUtf8(std::string_view text);
 
