@@ -5,7 +5,6 @@
 #include "platform/text.h"
 
 #include <algorithm>
-#include <optional>
 
 namespace quoravel {
 
@@ -25,17 +24,23 @@ std::optional<std::string> ListedName(int entry) {
 
 } // namespace
 
+std::optional<ListRow> ListFile(int entry) {
+    auto name = ListedName(entry);
+    if (!name)
+        return {};
+    const int info = entry + kInfoDistance;
+    return ListRow{std::move(*name), GetFileAttr(entry), GetLoad(info),
+                   GetExec(info),    GetSize(info),      GetSector(info)};
+}
+
 std::vector<ListRow> ListFiles(int drive) {
     std::vector<ListRow> rows;
     const int files = GetNumberOfDirEntries(drive);
     for (int i = 0; i < files; ++i) {
-        const int entry = GetDirOffset(drive, i);
-        auto name = ListedName(entry);
-        if (!name)
+        auto row = ListFile(GetDirOffset(drive, i));
+        if (!row)
             break;
-        const int info = entry + kInfoDistance;
-        rows.push_back({std::move(*name), GetFileAttr(entry), GetLoad(info), GetExec(info),
-                        GetSize(info), GetSector(info)});
+        rows.push_back(std::move(*row));
     }
     return rows;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,9 +17,12 @@ struct ListRow {
     std::string Sector; ///< three hex digits
 };
 
-/// The files of a drive for display, in catalogue order. A name ends before its first carriage
-/// return, and an entry with an empty name or one that starts with NUL ends the listing, whatever
-/// the count says.
+/// The row of the file whose name entry lies at `entry`. A name ends before its first carriage
+/// return. Nothing for an empty name and one that starts with NUL: there every listing ends,
+/// whatever the count says.
+[[nodiscard]] std::optional<ListRow> ListFile(int entry);
+
+/// The files of a drive for display, in catalogue order up to the first that has no row.
 [[nodiscard]] std::vector<ListRow> ListFiles(int drive);
 
 /// The same, ascending by the upper-cased name by character code; equal names stay in catalogue
