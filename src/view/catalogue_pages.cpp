@@ -1,0 +1,167 @@
+#include "view/catalogue_pages.h"
+
+#include "disc/catalogue.h"
+#include "disc/listing.h"
+#include "disc/module1.h"
+#include "platform/text.h"
+
+#include <array>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace quoravel {
+
+namespace {
+
+constexpr std::array<std::string_view, 4> kOptionNames{"Off ", "Load", "Run ", "Exec"};
+constexpr std::size_t kHeaderColumn = 19;
+constexpr std::size_t kNameWidth = 9;
+constexpr std::string_view kBreak = "\r";
+constexpr std::string_view kGap = "  ";
+
+using Step = void (*)();
+
+/// A row of a page. One that the listing ended before stays as it is made here.
+struct PageRow {
+    std::string key; ///< sorted by; of *EX the whole line
+    std::string attr = " ";
+};
+
+std::string Padded(std::string_view text, std::size_t width) {
+    std::string padded(text.substr(0, width));
+    padded.resize(width, ' ');
+    return padded;
+}
+
+unsigned ByteAt(int offset) {
+    return Module1::DiscImg.Byte(offset);
+}
+
+/// The cycle number of two decimal digits; what is none goes through the same sum.
+unsigned CycleNumber(unsigned byte) {
+    return (byte / 16 * 10 + (byte & 15U)) % 100;
+}
+
+/// Blanks in place of "$." bring the files of $ to the front.
+std::string CatKey(const ListRow& file) {
+    if (file.FileName.front() != '$')
+        return file.FileName;
+    return std::string(kGap).append(file.FileName, 2);
+}
+
+std::string EXLine(const ListRow& file) {
+    std::string line = Padded(file.FileName, kNameWidth);
+    for (const std::string& cell : {file.Attr, file.Load, file.Exec, file.Size, file.Sector})
+        line.append(kGap).append(cell);
+    return line;
+}
+
+/// The rows of a page in catalogue order, one for each file that the disc counts; `row_of` makes
+/// one of a file. Those after the end of the listing stay empty.
+template<class RowOf>
+std::vector<PageRow> ReadRows(RowOf row_of, Step step) {
+    const int files = GetNumberOfDirEntries(Module1::cur_drive);
+    std::vector<PageRow> rows(static_cast<std::size_t>(files));
+    for (int i = 0; i < files; ++i) {
+        const auto file = ListFile(GetDirOffset(Module1::cur_drive, i));
+        if (!file)
+            break;
+        rows[static_cast<std::size_t>(i)] = row_of(*file);
+        step();
+    }
+    return rows;
+}
+
+/// Sorts by the upper-cased keys. Meant: an exchange can carry one of two equal keys past the
+/// other, where a stable sort would keep their order.
+void ExchangeSort(std::vector<PageRow>& rows, Step step) {
+    for (std::size_t i = 0; i + 1 < rows.size(); ++i) {
+        for (std::size_t j = i + 1; j < rows.size(); ++j) {
+            if (UpperCase(rows[j].key) < UpperCase(rows[i].key))
+                std::swap(rows[i], rows[j]);
+            step();
+        }
+        step();
+    }
+}
+
+/// The first character of a key, or nothing.
+std::string_view FirstOf(const PageRow& row) {
+    return std::string_view(row.key).substr(0, 1);
+}
+
+std::string CatField(const PageRow& row) {
+    return std::string(kGap).append(Padded(row.key, kNameWidth)) + "  " + row.attr + "      ";
+}
+
+/// The files of *CAT in two columns.
+void PrintFields(const std::vector<PageRow>& rows, ViewSink& sink) {
+    std::string_view previous;
+    bool left_column = true;
+    bool closed = false; // the line of the last field has had its end
+    for (const PageRow& row : rows) {
+        if (FirstOf(row) != previous && previous == " ") {
+            if (!closed)
+                sink.ShowData(kBreak);
+            sink.ShowData(kBreak);
+            left_column = true;
+        }
+        previous = FirstOf(row);
+        sink.ShowData(CatField(row));
+        closed = !left_column;
+        if (closed)
+            sink.ShowData(kBreak);
+        left_column = !left_column;
+        Yield();
+    }
+    if (!closed)
+        sink.ShowData(kBreak);
+    sink.ShowData(kBreak);
+}
+
+} // namespace
+
+void ListHeader(int start, ViewSink& sink) {
+    const std::string drive = std::to_string(Module1::cur_drive);
+    const unsigned cycle = CycleNumber(ByteAt(start + kCycleByte));
+    const unsigned option = ByteAt(start + kFlagsByte) / 16 & 3U;
+    sink.ShowData(GetTitle(Module1::cur_drive) + " (" + std::to_string(cycle) + ") FM\r");
+    sink.ShowData("Drive " + drive + "             Option " + std::to_string(option) + " (" +
+                  std::string(kOptionNames[option]) + ")\r");
+    sink.ShowData(Padded("Dir. :" + drive + ".$", kHeaderColumn) + " Lib. :" + drive + ".$\r\r");
+}
+
+void ListCat(ViewSink& sink) {
+    ListHeader(GetStartSectorOfDrive(Module1::cur_drive), sink);
+    auto rows = ReadRows(
+        [](const ListRow& file) {
+            return PageRow{CatKey(file), file.Attr};
+        },
+        Yield);
+    ExchangeSort(rows, Yield);
+    PrintFields(rows, sink);
+}
+
+void ListEX(ViewSink& sink, void (*step)()) {
+    auto rows = ReadRows([](const ListRow& file) { return PageRow{EXLine(file)}; }, step);
+    ExchangeSort(rows, step);
+    for (const PageRow& row : rows) {
+        sink.ShowData(row.key + "\r");
+        step();
+    }
+}
+
+void ListMap(ViewSink& sink) {
+    sink.ShowData("Address : Length\r");
+    const auto drive = [] { return static_cast<std::size_t>(Module1::cur_drive); };
+    const auto digits = [](int number) { return Hex(static_cast<std::uint32_t>(number), 6); };
+    for (int i = 0; i < Module1::FreeSpaceNum[drive()]; ++i) {
+        const auto region = static_cast<std::size_t>(i);
+        sink.ShowData(digits(Module1::FreeSpaceMap[drive()][region]) + "  : " +
+                      digits(Module1::FreeSpaceLen[drive()][region]) + "\r");
+        Yield();
+    }
+}
+
+} // namespace quoravel
