@@ -6,7 +6,8 @@ target_compile_features(quoravel_flags INTERFACE cxx_std_20)
 set(CMAKE_CXX_EXTENSIONS OFF)
 
 target_compile_options(quoravel_flags INTERFACE
-    -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual)
+    -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
+    $<$<CXX_COMPILER_ID:Clang>:-Wno-sign-conversion>) # clang counts it to -Wconversion, gcc does not
 
 if(QUORAVEL_SANITIZE)
     target_compile_options(quoravel_flags INTERFACE

@@ -1,7 +1,7 @@
 # For `run` and `test` to source: the packages of Debian 12 that each purpose needs, how to get
 # them, and how to build. shellcheck shell=bash
 
-packages_build=(g++ cmake ninja-build libpugixml-dev qt6-base-dev)
+packages_build=(g++ cmake ninja-build libexpat1-dev libpugixml-dev qt6-base-dev)
 packages_tests=(libgtest-dev libgmock-dev libplist-utils)
 packages_checks=(clang libclang-rt-dev clang-format clang-tidy python3)
 packages_wayland=(qt6-wayland)
