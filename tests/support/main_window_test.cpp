@@ -1,5 +1,7 @@
 #include "support/main_window_test.h"
 
+#include <QApplication>
+
 #include <stdexcept>
 
 namespace quoravel {
@@ -22,8 +24,10 @@ void MainWindowTest::TearDown() {
 void MainWindowTest::Start() {
     window.reset();
     desktop.quitting = false;
+    Module1::gDirty = false;
     window = std::make_unique<frmMain>();
     window->Event_Open();
+    QApplication::setActiveWindow(window.get()); // the offscreen platform has no window manager
 }
 
 QAction& MainWindowTest::Item(const char* name) const {
