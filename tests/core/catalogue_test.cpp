@@ -1,0 +1,298 @@
+#include "disc/catalogue.h"
+#include "disc/listing.h"
+#include "support/disc_builder.h"
+#include "support/disc_test.h"
+
+#include <gmock/gmock.h>
+
+namespace quoravel {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class Catalogue : public DiscTest {};
+
+constexpr int kDrive1 = 204800;
+constexpr int kInfo = 264; ///< information block of file 0
+
+std::vector<std::string> ListedNames(const std::vector<ListRow>& rows) {
+    std::vector<std::string> names;
+    for (const ListRow& row : rows)
+        names.push_back(row.FileName);
+    return names;
+}
+
+TEST_F(Catalogue, FileNumbersRunOverBothCatalogues) {
+    struct Row {
+        const char* what;
+        bool watford;
+        int files, second;
+        int number, offset;
+    };
+
+    for (const Row& r : {Row{"last of a full plain disc", false, 31, 0, 30, 248},
+                         Row{"last of a full Watford disc", true, 31, 31, 61, 512 + 8 + 240},
+                         Row{"first of the second, the first not full", true, 2, 1, 2, 520},
+                         Row{"behind the last on a plain disc", false, 2, 0, 2, 520}})
+        for (const int drive : {0, 1}) {
+            SCOPED_TRACE(r.what);
+            DiscBuilder(drive, r.watford).Fill(r.files, r.second);
+            EXPECT_EQ(GetNumberOfDirEntries(drive), r.files + r.second);
+            EXPECT_EQ(GetDirOffset(drive, r.number), drive * kDrive1 + r.offset);
+        }
+}
+
+TEST_F(Catalogue, MeantEighthsOfAFileAddUpOverBothCatalogues) {
+    DiscBuilder(0, DiscBuilder::kWatford).Byte(261, 12).Byte(773, 12);
+    EXPECT_EQ(GetNumberOfDirEntries(0), 3);
+    EXPECT_EQ(GetDirOffset(0, 1), 520) << "everywhere else 12 eighths are one file";
+    DiscBuilder(0).Byte(261, 12).Byte(773, 12);
+    EXPECT_EQ(GetNumberOfDirEntries(0), 1) << "a plain disc has no second catalogue";
+}
+
+TEST_F(Catalogue, OnlyEightWholeMarkerBytesMakeAWatfordDisc) {
+    DiscBuilder disc(1, DiscBuilder::kWatford);
+    EXPECT_TRUE(IsWatfordDFS(1));
+    EXPECT_EQ(GetRootSector(1), 4);
+    EXPECT_FALSE(IsWatfordDFS(0));
+    disc.Byte(519, 0xAB);
+    EXPECT_FALSE(IsWatfordDFS(1));
+    EXPECT_EQ(GetRootSector(1), 2);
+}
+
+TEST_F(Catalogue, ASectorCountAboveWhatTheStoreHoldsIsCutTo800) {
+    struct Row {
+        int flags, low, sectors;
+    };
+
+    for (const Row& r : {Row{0x03, 0x20, 800}, Row{0x03, 0x21, 800}, Row{0xFF, 0xFF, 800},
+                         Row{0x03, 0x1F, 799}, Row{0x31, 0x90, 400}, Row{0xFC, 0x00, 0}}) {
+        DiscBuilder(1).Byte(262, r.flags).Byte(263, r.low);
+        EXPECT_EQ(GetNumberOfSectors(1), r.sectors) << r.flags << " " << r.low;
+        EXPECT_EQ(BootOption(1), r.flags >> 4 & 3);
+    }
+}
+
+TEST_F(Catalogue, TheCycleNumberCountsInDecimalAndMarksTheDiscAsChanged) {
+    struct Row {
+        int was, is;
+    };
+
+    for (const Row& r : {Row{0x00, 0x01}, Row{0x09, 0x10}, Row{0x39, 0x40}, Row{0x99, 0x00},
+                         Row{0xFF, 0x66}, Row{0x0F, 0x16}}) {
+        DiscBuilder(1, DiscBuilder::kWatford).Byte(260, r.was).Byte(772, 7);
+        Module1::gDirty = false;
+        UpdateSequenceNumber(1);
+        EXPECT_EQ(Module1::DiscImg.Byte(kDrive1 + 260), r.is) << r.was;
+        EXPECT_EQ(Module1::DiscImg.Byte(kDrive1 + 772), 7) << "the second catalogue has none";
+        EXPECT_TRUE(Module1::gDirty);
+    }
+}
+
+// The texts come from the high bits; each other field has its own so that no mask can slip.
+TEST_F(Catalogue, TheTwoHighBitsOfAnAddressReadAsFFWhenBothAreSet) {
+    struct Row {
+        const char* what;
+        Entry entry;
+        const char *load, *exec, *size, *sector;
+    };
+
+    for (const Row& r :
+         {Row{"all different",
+              {"A", '$', false, 0x21900, 0x18023, 0x0FFFF, 0x31F},
+              "021900",
+              "018023",
+              "00FFFF",
+              "31F"},
+          Row{"load in the other processor",
+              {"A", '$', false, 0x31900, 0x20001, 0x12345, 0x0FF},
+              "FF1900",
+              "020001",
+              "012345",
+              "0FF"},
+          Row{"exec", {"A", '$', false, 0, 0x3802B, 0, 0x100}, "000000", "FF802B", "000000", "100"},
+          Row{"a long length",
+              {"A", '$', false, 0, 0, 0x2FFFF, 2},
+              "000000",
+              "000000",
+              "02FFFF",
+              "002"}}) {
+        SCOPED_TRACE(r.what);
+        DiscBuilder(0).File(r.entry);
+        EXPECT_EQ(GetLoad(kInfo), r.load);
+        EXPECT_EQ(GetExec(kInfo), r.exec);
+        EXPECT_EQ(GetSize(kInfo), r.size);
+        EXPECT_EQ(GetSector(kInfo), r.sector);
+    }
+}
+
+TEST_F(Catalogue, MeantALengthFrom196608UpReadsAsSome16Million) {
+    DiscBuilder(0).File({.name = "LONG", .length = 0x30000, .sector = 2});
+    EXPECT_EQ(GetSize(kInfo), "FF0000");
+    EXPECT_EQ(FileLength(kInfo), 0xFF0000U);
+    EXPECT_EQ(SectorsOf(FileLength(kInfo)), 65280);
+}
+
+TEST_F(Catalogue, ATitleEndsAtItsFirstNulAndLosesBlanksAndTopBits) {
+    struct Row {
+        std::string bytes;
+        const char* title;
+    };
+
+    using namespace std::string_literals;
+    for (const Row& r : {Row{"TWELVE CHARS"s, "TWELVE CHARS"}, Row{"  MY DISC"s, "MY DISC"},
+                         Row{"AB\0CD"s, "AB"}, Row{"\xC1\xE2\x80Z"s, "Ab"}, Row{"\0ABC"s, ""},
+                         Row{"A \0   B"s, "A"}, Row{"            "s, ""}}) {
+        DiscBuilder(1).Title(r.bytes);
+        EXPECT_EQ(GetTitle(1), r.title) << r.bytes;
+    }
+}
+
+TEST_F(Catalogue, ANewTitleIsTrimmedCutAndPaddedWithNuls) {
+    struct Row {
+        std::string_view typed;
+        std::string first, rest;
+    };
+
+    using namespace std::string_literals;
+    for (const Row& r :
+         {Row{"  Games 1 ", "Games 1\0"s, "\0\0\0\0"s}, Row{"TWELVE CHARS", "TWELVE C", "HARS"},
+          Row{"THIRTEEN CHAR", "THIRTEEN", " CHA"}, Row{"~\x7F", "~\x7F\0\0\0\0\0\0"s, "\0\0\0\0"s},
+          Row{"", std::string(8, '\0'), std::string(4, '\0')},
+          Row{"   ", std::string(8, '\0'), std::string(4, '\0')}}) {
+        SCOPED_TRACE(r.typed);
+        DiscBuilder(1).Title("OLD TITLE OF").Byte(260, 0x41).Byte(261, 8);
+        Module1::gDirty = false;
+        SetTitle(1, r.typed);
+        EXPECT_EQ(BlockText(kDrive1, 8), r.first);
+        EXPECT_EQ(BlockText(kDrive1 + 256, 6), r.rest + "\x42\x08");
+        EXPECT_TRUE(Module1::gDirty);
+    }
+    EXPECT_THAT(desktop.boxes, IsEmpty());
+}
+
+TEST_F(Catalogue, ARefusedTitleChangesNothing) {
+    struct Row {
+        std::string typed, shown;
+    };
+
+    std::vector<Row> rows{{" tab\there ", "tab\there"}, {"Caf\xE9", "Caf\xC3\xA9"}};
+    for (const char c : std::string("-.:*#$&@^\x1F\r"))
+        rows.push_back({"A" + std::string(1, c), "A" + std::string(1, c)});
+    DiscBuilder(0).Title("OLD");
+    const auto before = BlockBytes();
+    for (const Row& r : rows) {
+        SetTitle(0, r.typed);
+        EXPECT_THAT(desktop.TakeBoxTexts(),
+                    ElementsAre("Title " + r.shown + " Contains Illegal Characters"));
+    }
+    EXPECT_EQ(BlockBytes(), before);
+    EXPECT_FALSE(Module1::gDirty);
+}
+
+TEST_F(Catalogue, NamesAreFoundWhateverTheirCase) {
+    DiscBuilder(1, DiscBuilder::kWatford)
+        .File({.name = "HELLO"})
+        .File({.name = "a b", .dir = 'x', .locked = true})
+        .File({.name = "hello"})
+        .SecondFile({.name = "\xC8IGH\xA0", .dir = 'B'});
+    EXPECT_EQ(GetName(1, 1), "x.a b");
+    EXPECT_EQ(GetName(1, 3), "B.HIGH") << "the top bit of each byte does not count";
+    EXPECT_EQ(GetPos(1, "$.heLLo"), 0) << "the first match wins";
+    EXPECT_EQ(GetPos(1, "X.A B"), 1);
+    EXPECT_EQ(GetPos(1, "b.high"), 3);
+    EXPECT_EQ(GetPos(1, "HELLO"), -1);
+    EXPECT_EQ(GetPos(0, "$.HELLO"), -1) << "nor on the other drive";
+    EXPECT_EQ(GetFileAttr(GetDirOffset(1, 0)), " ");
+    EXPECT_EQ(GetFileAttr(GetDirOffset(1, 1)), "L");
+}
+
+TEST_F(Catalogue, ANulDirectoryEndsTheSearchForAName) {
+    DiscBuilder(0).File({.name = "A"}).File({.name = "B", .dir = '\0'}).File({.name = "C"});
+    EXPECT_EQ(GetPos(0, "$.A"), 0);
+    EXPECT_EQ(GetPos(0, std::string_view("\0.B", 3)), -1);
+    EXPECT_EQ(GetPos(0, "$.C"), -1);
+}
+
+TEST_F(Catalogue, AListHoldsARowForEachFile) {
+    DiscBuilder(1)
+        .File({"Zed", '$', true, 0x31900, 0x38023, 0x123, 0x104})
+        .File({.name = "abc", .dir = 'B', .length = 1, .sector = 3})
+        .File({.name = "ZED", .dir = '$', .sector = 2});
+    const auto rows = ListFiles(1);
+    ASSERT_EQ(rows.size(), 3U);
+    EXPECT_EQ(rows[0].FileName, "$.Zed");
+    EXPECT_EQ(rows[0].Attr, "L");
+    EXPECT_EQ(rows[0].Load, "FF1900");
+    EXPECT_EQ(rows[0].Exec, "FF8023");
+    EXPECT_EQ(rows[0].Size, "000123");
+    EXPECT_EQ(rows[0].Sector, "104");
+    EXPECT_THAT(ListedNames(rows), ElementsAre("$.Zed", "B.abc", "$.ZED"));
+    EXPECT_THAT(ListedNames(SortedListFiles(1)), ElementsAre("$.Zed", "$.ZED", "B.abc"));
+}
+
+TEST_F(Catalogue, AnEntryThatStartsWithNulOrAReturnEndsTheList) {
+    using namespace std::string_view_literals;
+    for (const auto end : {"\0BC"sv, "\rBC"sv,
+                           "\x80"
+                           "BC"sv}) {
+        DiscBuilder(0).File({.name = "A"}).File({.name = end}).File({.name = "C"});
+        EXPECT_THAT(ListedNames(ListFiles(0)), ElementsAre("$.A"));
+    }
+    DiscBuilder(0).File({.name = ""}).File({.name = "C"});
+    EXPECT_THAT(ListedNames(ListFiles(0)), ElementsAre("$.", "$.C")) << "seven spaces are a name";
+}
+
+TEST_F(Catalogue, MeantARowCutAtAReturnIsNotFoundByItsName) {
+    DiscBuilder(0).File({.name = " AB\rCD"});
+    EXPECT_THAT(ListedNames(ListFiles(0)), ElementsAre("$.AB"));
+    EXPECT_EQ(GetPos(0, "$.AB"), -1);
+    EXPECT_EQ(GetPos(0, "$.AB\rCD"), 0);
+}
+
+TEST_F(Catalogue, TheHighestUsedSectorFollowsTheFilesBelowTheSectorCount) {
+    struct Row {
+        const char* what;
+        bool watford;
+        int sectors;
+        Entry entry;
+        int highest;
+    };
+
+    const Entry none{.name = "N", .length = 0, .sector = 0};
+    for (const Row& r :
+         {Row{"only the catalogue", false, 800, none, 1},
+          Row{"only two catalogues", true, 800, none, 3},
+          Row{"no sectors at all", false, 0, none, 0}, Row{"one sector", false, 1, none, 0},
+          Row{"one byte more than a sector",
+              false,
+              800,
+              {.name = "A", .length = 257, .sector = 9},
+              10},
+          Row{"no bytes take a sector", false, 800, {.name = "A", .sector = 9}, 9},
+          Row{"cut at the sector count",
+              false,
+              400,
+              {.name = "A", .length = 2560, .sector = 395},
+              399},
+          Row{"beyond the sector count", false, 400, {.name = "A", .length = 9, .sector = 500}, 1},
+          Row{"beyond the store", false, 800, {.name = "A", .length = 9, .sector = 1023}, 1},
+          Row{"a length that reads as FF",
+              false,
+              800,
+              {.name = "A", .length = 0x30000, .sector = 9},
+              799}}) {
+        SCOPED_TRACE(r.what);
+        DiscBuilder(1, r.watford, r.sectors).File(r.entry);
+        EXPECT_EQ(GetSectorsUsed(1), r.highest);
+    }
+}
+
+TEST_F(Catalogue, TextIsRepeatedAsOftenAsAsked) {
+    EXPECT_EQ(MyString(3, "ab"), "ababab");
+    EXPECT_EQ(MyString(0, "ab") + MyString(-1, "ab"), "");
+}
+
+} // namespace
+} // namespace quoravel

@@ -1,0 +1,172 @@
+#include "disc/catalogue.h"
+#include "disc/compact.h"
+#include "support/disc_builder.h"
+#include "support/disc_test.h"
+
+#include <gmock/gmock.h>
+
+namespace quoravel {
+namespace {
+
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+using testing::Pair;
+
+constexpr int kDrive1 = 204800;
+
+class Compaction : public DiscTest {
+  protected:
+    void CompactDrive(int drive) {
+        Module1::cur_drive = drive;
+        Compact(drive);
+    }
+};
+
+/// Names and start sectors of all files, in catalogue order.
+std::vector<std::pair<std::string, int>> Places(int drive) {
+    std::vector<std::pair<std::string, int>> places;
+    for (int i = 0; i < GetNumberOfDirEntries(drive); ++i)
+        places.emplace_back(GetName(drive, i), StartSector(GetDirOffset(drive, i) + 256));
+    return places;
+}
+
+std::string SectorText(int drive, int sector, int count) {
+    return BlockText(drive * kDrive1 + sector * 256, count);
+}
+
+TEST_F(Compaction, FilesSlideDownIntoTheGaps) {
+    for (const int drive : {0, 1}) {
+        DiscBuilder(drive)
+            .File({.name = "HIGH",
+                   .load = 0x31900,
+                   .exec = 0x2FFFF,
+                   .length = 0x103,
+                   .sector = 0x300})
+            .File({.name = "LOCKED", .locked = true, .length = 4, .sector = 8})
+            .File({.name = "EMPTY", .sector = 6})
+            .File({.name = "LOW", .length = 257, .sector = 3})
+            .Data(0x300, "high")
+            .Data(0x301, "end.")
+            .Data(8, "lock")
+            .Data(3, "low")
+            .Data(4, "!")
+            .Byte(260, 0x12);
+        CompactDrive(drive);
+        EXPECT_THAT(Places(drive), ElementsAre(Pair("$.HIGH", 6), Pair("$.LOCKED", 5),
+                                               Pair("$.EMPTY", 4), Pair("$.LOW", 2)));
+        EXPECT_EQ(SectorText(drive, 6, 4) + SectorText(drive, 7, 3), "highend");
+        EXPECT_EQ(SectorText(drive, 5, 4), "lock");
+        EXPECT_EQ(SectorText(drive, 2, 3) + SectorText(drive, 3, 1), "low!");
+        EXPECT_EQ(GetLoad(drive * kDrive1 + 264), "FF1900") << "the other high bits stay";
+        EXPECT_EQ(GetExec(drive * kDrive1 + 264), "02FFFF");
+        EXPECT_EQ(GetFileAttr(drive * kDrive1 + 16), "L");
+        EXPECT_EQ(FreeRegions(drive), (std::vector{std::pair{8, 792}}));
+        EXPECT_EQ(Module1::DiscImg.Byte(drive * kDrive1 + 260), 0x12) << "no new cycle number";
+    }
+}
+
+TEST_F(Compaction, OnlyTheBytesOfAFileMove) {
+    DiscBuilder(0)
+        .File({.name = "A", .length = 3, .sector = 4})
+        .Data(2, "remains")
+        .Data(4, "newtail");
+    CompactDrive(0);
+    EXPECT_EQ(SectorText(0, 2, 7), "newains");
+    EXPECT_EQ(SectorText(0, 4, 7), "newtail") << "a sector that was left is not cleared";
+}
+
+TEST_F(Compaction, ADiscWithoutGapsOnlyCountsAsChanged) {
+    DiscBuilder(0).Fill(31).Data(5, "data");
+    const auto before = BlockBytes();
+    CompactDrive(0);
+    EXPECT_EQ(BlockBytes(), before);
+    EXPECT_TRUE(Module1::gDirty);
+}
+
+TEST_F(Compaction, AWatfordDiscFillsItsFirstCatalogueFromItsSecond) {
+    struct Row {
+        int first, second;
+        int first_after, second_after;
+    };
+
+    for (const Row& r : {Row{31, 5, 31, 5}, Row{29, 5, 31, 3}, Row{10, 5, 15, 0}, Row{0, 31, 31, 0},
+                         Row{5, 0, 5, 0}, Row{26, 5, 31, 0}}) {
+        SCOPED_TRACE(testing::Message() << r.first << " and " << r.second);
+        DiscBuilder(0, DiscBuilder::kWatford).Fill(r.first, r.second);
+        // The second catalogue's files lie above, so the walk by sector is the order on the disc.
+        auto expected = Places(0);
+        std::ranges::sort(expected, std::greater{}, [](const auto& place) { return place.second; });
+        CompactDrive(0);
+        EXPECT_EQ(Module1::DiscImg.Byte(261), 8 * r.first_after);
+        EXPECT_EQ(Module1::DiscImg.Byte(773), 8 * r.second_after);
+        auto found = Places(0);
+        // First catalogue below second: put the second in front to get the order on the disc.
+        std::ranges::rotate(found, found.begin() + r.first_after);
+        EXPECT_EQ(found, expected);
+        for (int slot = r.second_after; slot < r.second; ++slot)
+            EXPECT_EQ(BlockText(520 + 8 * slot, 8) + BlockText(776 + 8 * slot, 8),
+                      std::string(16, '\0'))
+                << "an entry that moved leaves an empty slot";
+    }
+}
+
+TEST_F(Compaction, TheSecondCataloguesFilesGoAboveTheFirsts) {
+    DiscBuilder(1, DiscBuilder::kWatford)
+        .File({.name = "A", .length = 256, .sector = 9})
+        .SecondFile({.name = "C", .length = 256, .sector = 40})
+        .SecondFile({.name = "B", .length = 512, .sector = 20})
+        .Data(9, "a")
+        .Data(20, "b")
+        .Data(40, "c");
+    CompactDrive(1);
+    EXPECT_THAT(Places(1), ElementsAre(Pair("$.C", 7), Pair("$.B", 5), Pair("$.A", 4)));
+    EXPECT_EQ(SectorText(1, 4, 1) + SectorText(1, 5, 1) + SectorText(1, 7, 1), "abc");
+}
+
+TEST_F(Compaction, AMarkerThatSlidesIntoPlaceMakesNoWatfordDisc) {
+    DiscBuilder(0)
+        .File({.name = "A", .length = 512, .sector = 10})
+        .Data(10, "\xAA\xAA\xAA\xAA\xAA\xAA\xAA\xAA")
+        .Byte(11 * 256 + 5, 8);
+    CompactDrive(0);
+    EXPECT_TRUE(IsWatfordDFS(0)) << "by now it looks like one";
+    EXPECT_EQ(Module1::DiscImg.Byte(261), 8) << "but nothing was moved as if it had been";
+}
+
+TEST_F(Compaction, MeantAnEntryOutOfOrderOverwritesAFileThatHasNotMoved) {
+    DiscBuilder(0)
+        .File({.name = "LOW", .length = 256, .sector = 2})
+        .File({.name = "HIGH", .length = 256, .sector = 9})
+        .Data(2, "low.")
+        .Data(9, "high");
+    CompactDrive(0);
+    EXPECT_THAT(Places(0), ElementsAre(Pair("$.LOW", 3), Pair("$.HIGH", 2)));
+    EXPECT_EQ(SectorText(0, 2, 4) + SectorText(0, 3, 4), "highhigh");
+}
+
+TEST_F(Compaction, MeantTheBytesMoveOnTheCurrentDrive) {
+    DiscBuilder(0).Data(5, "zero");
+    DiscBuilder(1).File({.name = "A", .length = 4, .sector = 5}).Data(5, "one!");
+    Module1::cur_drive = 0;
+    Compact(1);
+    EXPECT_THAT(Places(1), ElementsAre(Pair("$.A", 2)));
+    EXPECT_EQ(SectorText(0, 2, 4), "zero");
+    EXPECT_EQ(SectorText(1, 2, 4), std::string(4, '\0'));
+}
+
+TEST_F(Compaction, MeantALengthThatReadsAsFFDragsTheRestOfTheBlockDown) {
+    DiscBuilder(0)
+        .File({.name = "LAST", .length = 4, .sector = 0x20})
+        .File({.name = "LONG", .length = 0x30000, .sector = 4})
+        .Data(4, "long");
+    DiscBuilder(1).Data(20, "one!");
+    CompactDrive(0);
+    EXPECT_EQ(SectorText(0, 2, 4), "long");
+    EXPECT_EQ(SectorText(1, 18, 4), "one!") << "past the end of the drive";
+    EXPECT_EQ(SectorText(1, 798, 512), std::string(512, '\0')) << "behind the block lie zeros";
+    // LONG counts 65280 sectors, so LAST goes to sector 65282, 0xFF02, whose high byte is ORed in.
+    EXPECT_EQ(BlockText(264 + 6, 2), "\xFF\x02");
+}
+
+} // namespace
+} // namespace quoravel

@@ -1,0 +1,272 @@
+#include "disc/image_files.h"
+#include "platform/files.h"
+#include "support/disc_test.h"
+#include "support/temp_folder.h"
+
+#include <csignal>
+#include <gmock/gmock.h>
+#include <optional>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace quoravel {
+namespace {
+
+namespace fs = std::filesystem;
+using Bytes = std::vector<std::uint8_t>;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr uid_t kNobody = 65534;
+
+/// For as long as it lives permissions count, even when the tests run as root.
+class AsNobody {
+  public:
+    AsNobody() { Become(kNobody); }
+
+    ~AsNobody() { Become(0); }
+
+    AsNobody(const AsNobody&) = delete;
+    AsNobody& operator=(const AsNobody&) = delete;
+
+  private:
+    static void Become(uid_t user) {
+        const bool may_change = ::getuid() == 0;
+        EXPECT_TRUE(!may_change || ::seteuid(user) == 0);
+    }
+};
+
+/// A disc that is full behind the first `bytes` of every file.
+class FullDisc {
+  public:
+    explicit FullDisc(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
+        EXPECT_EQ(::getrlimit(RLIMIT_FSIZE, &before_), 0);
+        const rlimit limit{bytes, before_.rlim_max};
+        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+    }
+
+    ~FullDisc() {
+        ::setrlimit(RLIMIT_FSIZE, &before_);
+        std::signal(SIGXFSZ, handler_);
+    }
+
+    FullDisc(const FullDisc&) = delete;
+    FullDisc& operator=(const FullDisc&) = delete;
+
+  private:
+    void (*handler_)(int);
+    rlimit before_{};
+};
+
+struct stat StatusOf(const fs::path& file) {
+    struct stat status {};
+
+    EXPECT_EQ(::stat(file.c_str(), &status), 0) << file;
+    return status;
+}
+
+void SetMode(const fs::path& path, mode_t mode) {
+    EXPECT_EQ(::chmod(path.c_str(), mode), 0) << path;
+}
+
+Bytes BytesOfText(std::string_view text) {
+    return {text.begin(), text.end()};
+}
+
+std::string ReasonOf(const std::optional<FileError>& error) {
+    return error ? error->reason : std::string();
+}
+
+/// A folder with an image file "disc.dsd" in it, and another for the user's state. Everybody may
+/// write to both.
+class Files : public DiscTest {
+  protected:
+    Files() : file(folder.File("disc.dsd", "old")) {
+        for (const fs::path& path : {folder.path(), state.path()})
+            SetMode(path, 0777);
+        SetMode(file, 0666);
+        desktop.state_folder = state.path();
+    }
+
+    ~Files() override { SetMode(folder.path(), 0777); }
+
+    /// Names in the backup folder, sorted.
+    [[nodiscard]] std::vector<std::string> Copies() const {
+        std::vector<std::string> names;
+        if (fs::exists(state.path() / "backup"))
+            for (const auto& entry : fs::directory_iterator(state.path() / "backup"))
+                names.push_back(entry.path().filename().string());
+        std::ranges::sort(names);
+        return names;
+    }
+
+    TempFolder folder;
+    TempFolder state;
+    fs::path file;
+};
+
+TEST_F(Files, ReadingTakesUpToTheLimitFromAPlainFileAndRefusesTheRest) {
+    fs::create_symlink("/dev/zero", folder.path() / "zero.ssd");
+    fs::create_symlink("disc.dsd", folder.path() / "link.ssd");
+    ASSERT_EQ(::mkfifo((folder.path() / "pipe.ssd").c_str(), 0666), 0);
+    SetMode(folder.File("secret.ssd", "x"), 0);
+    folder.File("empty.ssd", "");
+    fs::resize_file(folder.File("huge.ssd", "big"), std::uintmax_t{10} << 30U);
+
+    struct Row {
+        const char* name;
+        std::size_t limit;
+        Bytes bytes;
+        const char* reason;
+    };
+
+    const AsNobody permissions_count;
+    for (const Row& r :
+         {Row{"disc.dsd", 100, BytesOfText("old"), ""}, Row{"disc.dsd", 2, BytesOfText("ol"), ""},
+          Row{"link.ssd", 100, BytesOfText("old"), ""}, Row{"empty.ssd", 100, {}, ""},
+          Row{"huge.ssd", 3, BytesOfText("big"), ""},
+          Row{"none.ssd", 100, {}, "No such file or directory"},
+          Row{".", 100, {}, "Is a directory"}, Row{"zero.ssd", 100, {}, "Not a regular file"},
+          Row{"pipe.ssd", 100, {}, "Not a regular file"},
+          Row{"secret.ssd", 100, {}, "Permission denied"}}) {
+        SCOPED_TRACE(r.name);
+        const Bytes before = BytesOfText("before");
+        Bytes bytes = before;
+        EXPECT_EQ(ReasonOf(ReadFile(folder.path() / r.name, r.limit, bytes)), r.reason);
+        EXPECT_EQ(bytes, *r.reason != '\0' ? before : r.bytes);
+    }
+}
+
+TEST_F(Files, AnImageOfTenGigabytesLoadsItsFirstPart) {
+    fs::resize_file(file, std::uintmax_t{10} << 30U);
+    EXPECT_FALSE(LoadDisc_SSD(file));
+    EXPECT_FALSE(LoadDisc_DSD(file));
+    EXPECT_EQ(BlockText(0, 4), std::string("old\0", 4));
+}
+
+TEST_F(Files, AFailedSaveLeavesTheOldFileWholeAndTheDiscChanged) {
+    fs::create_directory(folder.path() / "folder.dsd");
+    fs::create_symlink("loop.dsd", folder.path() / "loop.dsd");
+    fs::create_symlink("/dev/full", folder.path() / "full.dsd");
+    ASSERT_EQ(::mkfifo((folder.path() / "pipe.dsd").c_str(), 0666), 0);
+    const auto names = folder.Names();
+
+    struct Row {
+        const char* what;
+        const char* name;
+        mode_t folder_mode, file_mode, state_mode;
+        std::optional<rlim_t> room;
+        const char* reason;
+    };
+
+    for (const Row& r :
+         {Row{"folder gone", "none/disc.dsd", 0777, 0666, 0777, {}, "No such file or directory"},
+          Row{"a folder", "folder.dsd", 0777, 0666, 0777, {}, "Is a directory"},
+          Row{"a device", "full.dsd", 0777, 0666, 0777, {}, "Not a regular file"},
+          Row{"a pipe", "pipe.dsd", 0777, 0666, 0777, {}, "Not a regular file"},
+          Row{"links in a ring", "loop.dsd", 0777, 0666, 0777, {}, "Too many levels"},
+          Row{"disc full", "disc.dsd", 0777, 0666, 0777, 100'000, "File too large"},
+          Row{"disc full at once", "new.dsd", 0777, 0666, 0777, 0, "File too large"},
+          Row{"file is read-only", "disc.dsd", 0777, 0444, 0777, {}, "Permission denied"},
+          Row{"new file, closed folder", "new.dsd", 0555, 0666, 0777, {}, "Permission denied"},
+          Row{"closed folder, no place for the copy",
+              "disc.dsd",
+              0555,
+              0666,
+              0555,
+              {},
+              "Permission denied"},
+          Row{"closed folder, no room for the copy", "disc.dsd", 0555, 0666, 0777, 2,
+              "File too large"},
+          Row{"closed folder, disc full", "disc.dsd", 0555, 0666, 0777, 100'000,
+              "File too large"}}) {
+        SCOPED_TRACE(r.what);
+        SetMode(file, r.file_mode);
+        SetMode(folder.path(), r.folder_mode);
+        SetMode(state.path(), r.state_mode);
+        for (const bool dirty : {false, true}) {
+            Module1::gDirty = dirty;
+            const AsNobody permissions_count;
+            std::optional<FullDisc> full;
+            if (r.room)
+                full.emplace(*r.room);
+            EXPECT_THAT(ReasonOf(SaveDisc_DSD(folder.path() / r.name)), HasSubstr(r.reason));
+            EXPECT_EQ(Module1::gDirty, dirty);
+        }
+        EXPECT_EQ(TextOf(file), "old");
+        EXPECT_EQ(folder.Names(), names) << "nothing is left behind";
+        SetMode(state.path(), 0777);
+    }
+    EXPECT_THAT(Copies(), ElementsAre("disc.dsd", "disc.dsd.1")) << "of the last row alone";
+}
+
+TEST_F(Files, ASaveKeepsThePermissions) {
+    for (const mode_t mode : {0600U, 0640U, 0666U, 02755U}) {
+        SetMode(file, mode);
+        ASSERT_FALSE(ReplaceFile(file, BytesOfText("new")));
+        EXPECT_EQ(StatusOf(file).st_mode & 07777U, mode);
+    }
+    const mode_t mask = ::umask(027);
+    ASSERT_FALSE(ReplaceFile(folder.path() / "fresh.dsd", BytesOfText("new")));
+    ::umask(mask);
+    EXPECT_EQ(StatusOf(folder.path() / "fresh.dsd").st_mode & 07777U, 0640U)
+        << "a new file gets what the user's mask allows";
+    EXPECT_THAT(folder.Names(), ElementsAre("disc.dsd", "fresh.dsd"));
+}
+
+TEST_F(Files, ASaveFollowsSymbolicLinks) {
+    fs::create_directory(folder.path() / "sub");
+    fs::create_symlink("../disc.dsd", folder.path() / "sub" / "inner.dsd");
+    fs::create_symlink(folder.path() / "sub" / "inner.dsd", folder.path() / "outer.dsd");
+    fs::create_symlink("sub/fresh.dsd", folder.path() / "dangling.dsd");
+    ASSERT_FALSE(ReplaceFile(folder.path() / "outer.dsd", BytesOfText("new")));
+    ASSERT_FALSE(ReplaceFile(folder.path() / "dangling.dsd", BytesOfText("fresh")));
+    EXPECT_FALSE(fs::is_symlink(file));
+    EXPECT_EQ(TextOf(file), "new");
+    EXPECT_FALSE(fs::is_symlink(folder.path() / "sub" / "fresh.dsd"));
+    EXPECT_EQ(TextOf(folder.path() / "sub" / "fresh.dsd"), "fresh");
+    for (const char* link : {"outer.dsd", "dangling.dsd", "sub/inner.dsd"})
+        EXPECT_TRUE(fs::is_symlink(folder.path() / link)) << link;
+}
+
+TEST_F(Files, InAClosedFolderTheFileIsWrittenInPlaceAfterACopyIsKept) {
+    SetMode(folder.path(), 0555);
+    const auto inode = StatusOf(file).st_ino;
+    for (const char* text : {"longer", "short", ""}) {
+        const AsNobody permissions_count;
+        ASSERT_FALSE(ReplaceFile(file, BytesOfText(text)));
+        EXPECT_EQ(TextOf(file), text);
+    }
+    EXPECT_EQ(StatusOf(file).st_ino, inode);
+    EXPECT_THAT(Copies(), ElementsAre("disc.dsd", "disc.dsd.1", "disc.dsd.2"));
+    EXPECT_EQ(TextOf(state.path() / "backup" / "disc.dsd"), "old");
+    EXPECT_EQ(TextOf(state.path() / "backup" / "disc.dsd.2"), "short");
+    desktop.state_folder.reset();
+    const AsNobody permissions_count;
+    EXPECT_TRUE(ReplaceFile(file, BytesOfText("new"))) << "no copy, no save";
+    EXPECT_EQ(TextOf(file), "");
+}
+
+TEST_F(Files, SomebodyElsesFileInAFolderLikeTmpIsWrittenInPlace) {
+    if (::getuid() != 0)
+        GTEST_SKIP() << "only root can make somebody else's file";
+    ASSERT_EQ(::chown(folder.path().c_str(), 0, 0), 0);
+    SetMode(folder.path(), 01777);
+    const AsNobody permissions_count;
+    EXPECT_EQ(ReasonOf(ReplaceFile(file, BytesOfText("new"))), "");
+    EXPECT_EQ(TextOf(file), "new");
+    EXPECT_EQ(StatusOf(file).st_uid, 0U);
+    EXPECT_THAT(folder.Names(), ElementsAre("disc.dsd"));
+    EXPECT_THAT(Copies(), ElementsAre("disc.dsd"));
+}
+
+TEST(FileNames, AreShownInUtf8) {
+    EXPECT_EQ(FileName("/a/b/caf\xC3\xA9.ssd"), "caf\xC3\xA9.ssd");
+    EXPECT_EQ(FileName("/a/caf\xE9.ssd"), "caf\xC3\xA9.ssd") << "not UTF-8, so taken as Latin-1";
+    EXPECT_EQ(FileName("disc.ssd"), "disc.ssd");
+}
+
+} // namespace
+} // namespace quoravel
