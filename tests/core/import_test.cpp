@@ -1,0 +1,328 @@
+#include "disc/catalogue.h"
+#include "disc/free_space.h"
+#include "disc/listing.h"
+#include "exchange/import.h"
+#include "support/disc_builder.h"
+#include "support/disc_test.h"
+#include "support/host_faults.h"
+#include "support/temp_folder.h"
+
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <random>
+#include <sys/stat.h>
+
+namespace quoravel {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr int kCycle = 260;
+constexpr int kCount = 261;
+constexpr int kSecondCount = 773;
+constexpr int kEntry = 8;  ///< name entry of file 0
+constexpr int kInfo = 264; ///< its information block
+
+int Byte(int offset) {
+    return Module1::DiscImg.Byte(offset);
+}
+
+std::vector<std::string> Names(int drive) {
+    std::vector<std::string> names;
+    for (const ListRow& row : ListFiles(drive))
+        names.push_back(row.FileName);
+    return names;
+}
+
+/// A row of a list in one text.
+std::string TextOf(const ListRow& row) {
+    return row.FileName + " " + row.Attr + " " + row.Load + " " + row.Exec + " " + row.Size + " " +
+           row.Sector;
+}
+
+/// Blank discs in both drives, and a folder with files to import.
+class Import : public DiscTest {
+  protected:
+    Import() {
+        for (const int drive : {0, 1})
+            Disc(DiscBuilder(drive), drive);
+    }
+
+    /// Takes a disc that has been built into use.
+    static void Disc(const DiscBuilder& /*built*/, int drive = 0) { GetFreeSpaceMap(drive); }
+
+    [[nodiscard]] fs::path File(std::string_view name, std::size_t length = 256) const {
+        return folder.File(name, std::string(length, 'x'));
+    }
+
+    /// Imports a file that is to be taken.
+    void Take(const fs::path& file, int drive = 0) {
+        EXPECT_FALSE(ImportFile(drive, file)) << file;
+        EXPECT_THAT(desktop.TakeBoxTexts(), IsEmpty());
+    }
+
+    /// Imports a file that is to be refused: the disc and its tables stay. Gives the box.
+    std::string Refused(const fs::path& file, int drive = 0) {
+        const auto before = BlockBytes();
+        const auto regions = FreeRegions(drive);
+        Module1::gDirty = false;
+        EXPECT_TRUE(ImportFile(drive, file)) << file;
+        EXPECT_EQ(BlockBytes(), before) << "the disc has changed";
+        EXPECT_EQ(FreeRegions(drive), regions);
+        EXPECT_FALSE(Module1::gDirty);
+        const auto boxes = desktop.TakeBoxTexts();
+        return boxes.size() == 1 ? boxes.front() : "not one box";
+    }
+
+    TempFolder folder;
+};
+
+TEST_F(Import, AFileTakesItsSectorsAndAnEntry) {
+    DiscBuilder disc(1);
+    Disc(disc.Data(2, std::string(1024, 'o')), 1);
+    Take(folder.File("HELLO", std::string(257, 'x')), 1);
+    EXPECT_EQ(TextOf(ListFiles(1).at(0)), "$.HELLO   000000 000000 000101 002");
+    EXPECT_EQ(BlockText(204800 + 512, 1024),
+              std::string(257, 'x') + std::string(255, '\0') + std::string(512, 'o'));
+    EXPECT_EQ(Byte(204800 + kCycle), 1);
+    EXPECT_TRUE(Module1::gDirty);
+    EXPECT_THAT(FreeRegions(1), ElementsAre(std::pair(4, 796)));
+    EXPECT_THAT(Names(0), IsEmpty()) << "the drive is that of the drop, not the current one";
+}
+
+TEST_F(Import, NamesComeFromTheSidecarOrTheHost) {
+    struct Row {
+        const char* file;
+        const char* sidecar; ///< nullptr: none
+        const char* listed;
+    };
+
+    for (const Row& r :
+         {Row{"README.TXT", nullptr, "$.README   000000 000000 000100 002"},
+          Row{"  my file.txt", nullptr, "$.my_file   000000 000000 000100 002"},
+          Row{"data.bin", "T.TITLE    001900 008023 000200 L",
+              "T.TITLE L 001900 008023 000200 002"},
+          Row{"LONG", "A_B        FFFF1900 FFFF8023 00000100 Locked\r\nrest",
+              "A.B L FF1900 FF8023 000100 002"},
+          Row{"FIVE", "$.FIVE     001900 008023 00123", "$.FIVE   001900 008023 001203 002"},
+          Row{"DIGITS", "$.DIGITS   1G19x0  78023 zz0100   ",
+              "$.DIGITS   011900 008023 000100 002"},
+          Row{"A B", "$.A B      0E1900 018023 000100   ", "$.A_B   021900 018023 000100 002"},
+          Row{"COLUMNS", "$.COLUMNS x001900 008023 000100", "$.   000000 000000 000100 002"},
+          Row{"EMPTY", "", "$.   000000 000000 000100 002"}}) {
+        SCOPED_TRACE(r.file);
+        Disc(DiscBuilder());
+        if (r.sidecar != nullptr)
+            folder.File(std::string(r.file) + ".INF", std::string_view(r.sidecar));
+        Take(File(r.file));
+        EXPECT_EQ(TextOf(ListFiles(0).at(0)), r.listed);
+    }
+}
+
+TEST_F(Import, FoldersAndSidecarsArePassedOverInSilence) {
+    fs::create_directory(folder.path() / "FOLDER");
+    const auto before = BlockBytes();
+    Take(folder.path() / "FOLDER");
+    Take(folder.File("$.HELLO.inf", "$.HELLO    001900 008023 000100   "));
+    Take(folder.path() / "gone.INF");
+    EXPECT_EQ(BlockBytes(), before);
+}
+
+TEST_F(Import, TheLowestRegionThatFitsWins) {
+    Disc(DiscBuilder()
+             .File({.name = "HIGH", .length = 256, .sector = 20})
+             .File({.name = "LOW", .length = 256, .sector = 4})
+             .File({.name = "ROOT", .length = 256, .sector = 2}));
+    Take(File("TWO", 257));
+    Take(File("ONE", 256));
+    Take(File("NONE", 0));
+    EXPECT_THAT(Names(0), ElementsAre("$.HIGH", "$.NONE", "$.TWO", "$.LOW", "$.ONE", "$.ROOT"));
+    EXPECT_EQ(ListFiles(0).at(4).Sector, "003");
+    EXPECT_EQ(ListFiles(0).at(2).Sector, "005");
+    EXPECT_EQ(TextOf(ListFiles(0).at(1)), "$.NONE   000000 000000 000000 007");
+    EXPECT_THAT(FreeRegions(0), ElementsAre(std::pair(8, 12), std::pair(21, 779)))
+        << "a file of no bytes takes a sector";
+}
+
+TEST_F(Import, RefusalsComeInTheirOrder) {
+    const auto full = [] { return DiscBuilder().Fill(31); };
+    const auto no_room = [] { return DiscBuilder(0, false, 33).Fill(31); };
+    const fs::path fits = File("A1", 0);
+    EXPECT_EQ(Refused(File("BIG", 798 * 256 + 1)), "Not Enough Free Contiguous Space on Disc");
+    Disc(no_room());
+    EXPECT_EQ(Refused(fits), "Not Enough Free Contiguous Space on Disc");
+    Disc(full());
+    EXPECT_EQ(Refused(fits), "Directory Full");
+    Disc(DiscBuilder().Fill(2));
+    EXPECT_EQ(Refused(fits), "File $.A1 Already Exists");
+    EXPECT_EQ(Refused(File("a1.txt")), "File $.a1 Already Exists");
+    Disc(DiscBuilder(0, DiscBuilder::kWatford).Fill(31, 31));
+    EXPECT_EQ(Refused(fits), "Directory Full");
+    Disc(DiscBuilder(0, DiscBuilder::kWatford).Fill(5, 31));
+    EXPECT_EQ(Refused(fits), "File $.A1 Already Exists");
+    EXPECT_EQ(Refused(File("NEW")), "Second Directory Full - Please Compact Disc");
+}
+
+TEST_F(Import, ANewFileGoesBeforeTheFirstThatLiesLower) {
+    Disc(DiscBuilder(0, DiscBuilder::kWatford)
+             .File({.name = "A0", .length = 256, .sector = 90})
+             .File({.name = "A1", .length = 256, .sector = 70})
+             .SecondFile({.name = "B0", .length = 256, .sector = 80})
+             .SecondFile({.name = "B1", .length = 256, .sector = 4}));
+    Take(File("NEW", 0));
+    EXPECT_THAT(Names(0), ElementsAre("$.A0", "$.A1", "$.B0", "$.NEW", "$.B1"));
+    EXPECT_EQ(Byte(kCount), 16);
+    EXPECT_EQ(Byte(kSecondCount), 24);
+    EXPECT_EQ(Byte(kCycle), 1) << "the cycle number is that of the first catalogue";
+}
+
+TEST_F(Import, AWatfordDiscTakesSixtyTwoFiles) {
+    Disc(DiscBuilder(0, DiscBuilder::kWatford));
+    for (int i = 0; i < 62; ++i)
+        Take(File("F" + std::to_string(i), 300));
+    EXPECT_EQ(Byte(kCount), 248);
+    EXPECT_EQ(Byte(kSecondCount), 248);
+    EXPECT_EQ(GetName(0, 0), "$.F30") << "the highest of the first 31 heads the catalogue";
+    EXPECT_EQ(GetName(0, 31), "$.F61");
+    EXPECT_EQ(GetName(0, 61), "$.F31");
+    EXPECT_EQ(Refused(File("F62")), "Directory Full");
+}
+
+// What follows looks odd and is meant.
+
+TEST_F(Import, MeantTheSidecarsLengthCountsInTheCatalogueOnly) {
+    folder.File("LIAR.INF", "$.LIAR     000000 000000 000500   ");
+    Take(File("LIAR", 10));
+    EXPECT_EQ(ListFiles(0).at(0).Size, "000500");
+    EXPECT_EQ(BlockText(512, 12), "xxxxxxxxxx" + std::string(2, '\0'));
+    folder.File("SMALL.INF", "$.SMALL    000000 000000 000001   ");
+    EXPECT_EQ(Refused(File("SMALL", 793 * 256 + 1)), "Not Enough Free Contiguous Space on Disc")
+        << "the real length needs the room";
+}
+
+TEST_F(Import, MeantAWideLengthReadsBackAsMoreThanTheDisc) {
+    folder.File("WIDE.INF", "$.WIDE     0E1900 031900 031234   ");
+    Take(File("WIDE"));
+    EXPECT_EQ(TextOf(ListFiles(0).at(0)), "$.WIDE   021900 FF1900 FF1234 002");
+    EXPECT_THAT(FreeRegions(0), IsEmpty());
+}
+
+TEST_F(Import, MeantASidecarWithoutAUsableLineLeavesAFileWithoutName) {
+    folder.File("ONE.INF", "nothing of use");
+    folder.File("TWO.INF", "");
+    Take(File("ONE", 1));
+    EXPECT_EQ(TextOf(ListFiles(0).at(0)), "$.   000000 000000 000001 002");
+    EXPECT_EQ(Refused(File("TWO")), "File $. Already Exists");
+}
+
+TEST_F(Import, MeantNamesAreNotCheckedForIllegalCharacters) {
+    Take(File("a*#:@^-"));
+    EXPECT_EQ(BlockText(kEntry, 8), "a*#:@^-$");
+    Disc(DiscBuilder());
+    Take(File("\xC3\xA9t\xC3\xA9"));
+    EXPECT_EQ(BlockText(kEntry, 8), "\xE9t\xE9    $") << "codes are stored as they are";
+}
+
+TEST_F(Import, MeantTheLockIsAddedToTheDirectoryByte) {
+    folder.File("X.INF", "\xE9.X        000000 000000 000100 L");
+    Take(File("X"));
+    EXPECT_EQ(Byte(kEntry + 7), 0x69) << "a byte: it wraps";
+}
+
+TEST_F(Import, MeantALeadingDotIsTheDirectoryAndTheNextCharacterIsLost) {
+    Take(File(".HIDDEN"));
+    EXPECT_THAT(Names(0), ElementsAre("..IDDEN"));
+}
+
+TEST_F(Import, MeantTheLowestFileOfAllHeadsTheCatalogue) {
+    Disc(DiscBuilder()
+             .File({.name = "HIGH", .length = 256, .sector = 20})
+             .File({.name = "LOW", .length = 256, .sector = 10}));
+    Take(File("LOWEST"));
+    EXPECT_THAT(Names(0), ElementsAre("$.LOWEST", "$.HIGH", "$.LOW"));
+}
+
+TEST_F(Import, MeantAFullFirstCatalogueCanLoseItsLastEntry) {
+    DiscBuilder disc(0, DiscBuilder::kWatford);
+    disc.File({.name = "TOP", .length = 256, .sector = 100});
+    for (int i = 1; i < 31; ++i)
+        disc.File({.name = "A" + std::to_string(i), .length = 256, .sector = 34 - i});
+    Disc(disc);
+    Take(File("NEW"));
+    ASSERT_EQ(GetSector(kInfo + 8), "022") << "between TOP and A1";
+    EXPECT_EQ(Byte(kCount), 0) << "248 and 8 are 0 in a byte";
+    EXPECT_EQ(BlockText(kEntry + 8, 8), "NEW    $");
+    EXPECT_EQ(BlockText(kEntry + 240, 8), "A29    $") << "A30 is lost";
+}
+
+TEST_F(Import, MeantAnEmptyFirstCatalogueTakesTheSlotFoundInTheSecond) {
+    Disc(DiscBuilder(0, DiscBuilder::kWatford)
+             .SecondFile({.name = "B0", .length = 256, .sector = 80})
+             .SecondFile({.name = "B1", .length = 256, .sector = 4}));
+    Take(File("NEW", 0));
+    EXPECT_EQ(Byte(kCount), 8);
+    EXPECT_EQ(Byte(kSecondCount), 16);
+    EXPECT_EQ(BlockText(kEntry + 8, 8), "NEW    $") << "slot 1, although the count says 1";
+}
+
+TEST_F(Import, MeantACountBeyondFullIsNotFull) {
+    Disc(DiscBuilder().Fill(31).Byte(kCount, 249));
+    Take(File("NEW"));
+    EXPECT_EQ(Byte(kCount), 1);
+    EXPECT_EQ(BlockText(kEntry, 8), "NEW    $");
+}
+
+// Hosts and files that do not do as expected.
+
+TEST_F(Import, WhatCannotBeReadIsNamedAndLeavesTheDiscUnchanged) {
+    fs::create_symlink("/dev/zero", folder.path() / "ZERO");
+    ASSERT_EQ(::mkfifo((folder.path() / "PIPE").c_str(), 0666), 0);
+    ASSERT_EQ(::mkfifo((folder.path() / "DATA.INF").c_str(), 0666), 0);
+    fs::permissions(File("SECRET"), fs::perms::none);
+    fs::permissions(folder.path(), fs::perms::all);
+    const AsNobody permissions_count;
+    EXPECT_EQ(Refused(folder.path() / "GONE"), "Cannot read GONE: No such file or directory");
+    EXPECT_EQ(Refused(folder.path() / "ZERO"), "Cannot read ZERO: Not a regular file");
+    EXPECT_EQ(Refused(folder.path() / "PIPE"), "Cannot read PIPE: Not a regular file");
+    EXPECT_EQ(Refused(File("DATA")), "Cannot read DATA.INF: Not a regular file");
+    EXPECT_EQ(Refused(folder.path() / "SECRET"), "Cannot read SECRET: Permission denied");
+}
+
+TEST_F(Import, AFileLargerThanTheDiscIsRefusedWithoutReadingIt) {
+    const fs::path huge = File("HUGE");
+    fs::resize_file(huge, std::uintmax_t{10} << 30U);
+    EXPECT_EQ(Refused(huge), "Not Enough Free Contiguous Space on Disc");
+}
+
+TEST_F(Import, ADanglingSidecarIsNone) {
+    fs::create_symlink("nowhere", folder.path() / "DATA.INF");
+    Take(File("DATA"));
+    EXPECT_THAT(Names(0), ElementsAre("$.DATA"));
+}
+
+TEST_F(Import, DamagedCataloguesTakeFilesWithoutHarmToTheOtherDrive) {
+    std::mt19937 random(21);
+    const std::array files{File("A", 0), File("B", 300), File("C", 40000), File("D.x", 1)};
+    for (int round = 0; round < 300; ++round) {
+        SCOPED_TRACE(round);
+        const int drive = round % 2;
+        for (int i = 0; i < 1024; ++i)
+            Module1::DiscImg.SetByte(drive * kDriveBytes + i, static_cast<std::uint8_t>(random()));
+        if (round % 4 < 2)
+            Module1::DiscImg.Fill(drive * kDriveBytes + 512, 8, 0xAA);
+        GetFreeSpaceMap(drive);
+        const auto other = BlockBytes((1 - drive) * kDriveBytes, kDriveBytes);
+        for (const fs::path& file : files) {
+            const auto before = BlockBytes();
+            const bool refused = ImportFile(drive, file);
+            EXPECT_EQ(refused, BlockBytes() == before);
+        }
+        EXPECT_EQ(BlockBytes((1 - drive) * kDriveBytes, kDriveBytes), other);
+    }
+}
+
+} // namespace
+} // namespace quoravel
