@@ -3,6 +3,7 @@
 #include "disc/compact.h"
 #include "platform/qt/guard.h"
 #include "platform/qt/listbox.h"
+#include "platform/qt/modal.h"
 #include "platform/qt/text.h"
 #include "prefs/xml_preferences.h"
 #include "shell/frmAbout.h"
@@ -15,6 +16,7 @@
 #include <QLayout>
 #include <QMenu>
 #include <QMenuBar>
+#include <QTimer>
 
 #include <utility>
 
@@ -23,6 +25,7 @@ namespace quoravel {
 namespace {
 
 constexpr QSize kNewSize(800, 600); // of the content, below the menu bar
+constexpr int kRefreshPeriod = 100; // milliseconds from a drop to the new lists
 constexpr int kLeastStartWidth = 800;
 constexpr int kLeastWidth = 400; // lower than at the start, and meant to be
 
@@ -35,7 +38,11 @@ constexpr std::array<std::pair<std::string_view, const char*>, 3> kOptions{{
 
 } // namespace
 
-frmMain::frmMain() : content_(new QWidget(this)), panes_{}, menu_(*menuBar(), frmMainMenu) {
+frmMain::frmMain()
+    : content_(new QWidget(this)),
+      panes_{},
+      tmrRefresh_(new QTimer(this)),
+      menu_(*menuBar(), frmMainMenu) {
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(QStringLiteral("Quoravel"));
     setMinimumSize(kLeastWindowSize, kLeastWindowSize);
@@ -44,6 +51,10 @@ frmMain::frmMain() : content_(new QWidget(this)), panes_{}, menu_(*menuBar(), fr
     setCentralWidget(content_);
     for (int drive = 0; drive < kDrives; ++drive)
         BuildPane(drive);
+    tmrRefresh_->setObjectName(QStringLiteral("tmrRefresh"));
+    tmrRefresh_->setSingleShot(true);
+    tmrRefresh_->setInterval(kRefreshPeriod);
+    Connect(tmrRefresh_, &QTimer::timeout, this, [this] { tmrRefresh_Action(); });
     AddMenuHandlers();
     Module1::InstallStatusLine(this);
 }
@@ -65,8 +76,16 @@ void frmMain::AddMenuHandlers() {
     handle("NewDiscImageTrackSSD100KssdWatford", &frmMain::DiscNew40SSDWatford);
     handle("DiscSaveDiscImage", &frmMain::DiscSaveDiscImage_Action);
     handle("DiscSaveDiscImageAs", &frmMain::DiscSaveDiscImageAs_Action);
+    handle("DiscSetTitle", &frmMain::DiscSetTitle_Action);
+    handle("DiscSetBootOptions", &frmMain::DiscSetBootOptions_Action);
     handle("DiscCompactDisc", &frmMain::DiscCompactDisc_Action);
     handle("FileSelectAll", &frmMain::FileSelectAll_Action);
+    handle("FileLockFile", &frmMain::FileLockFile_Action);
+    handle("FileUnlockFile", &frmMain::FileUnlockFile_Action);
+    handle("FileDeleteFile", &frmMain::FileDeleteFile_Action);
+    handle("FileRenameFile", &frmMain::FileRenameFile_Action);
+    handle("FileExportFile", &frmMain::FileExportFile_Action);
+    menu_.Handle("FileSetFileAddresses", [this] { FileSetFileAddresses_Action(); });
     handle("HelpAboutQuoravel", &frmMain::HelpAboutQuoravel_Action);
     menu_.Handle("FileQuit", [this] { close(); });
     for (const auto& [item, key] : kOptions)
@@ -143,7 +162,7 @@ void frmMain::DiscCompactDisc_Action() {
 }
 
 void frmMain::HelpAboutQuoravel_Action() {
-    frmAbout(this).exec();
+    ShowModal<frmAbout>(this);
 }
 
 } // namespace quoravel

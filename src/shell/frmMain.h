@@ -1,15 +1,21 @@
 #pragma once
 
+#include "disc/listing.h"
 #include "disc/module1.h"
+#include "exchange/drag_folder.h"
 #include "platform/qt/menu_bar.h"
 
 #include <QMainWindow>
 
 #include <array>
 #include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
 
 class QFrame;
 class QLabel;
+class QTimer;
 
 namespace quoravel {
 
@@ -65,6 +71,7 @@ class frmMain : public QMainWindow, private StatusLine {
 
   private:
     void BuildPane(int drive);
+    void ConnectList(Listbox& list, int drive);
     void AddMenuHandlers();
     void RestorePlace();
 
@@ -76,12 +83,25 @@ class frmMain : public QMainWindow, private StatusLine {
     void DiscSaveDiscImage_Action();
     void DiscSaveDiscImageAs_Action();
     void DiscCompactDisc_Action();
+    void DiscSetTitle_Action();
+    void DiscSetBootOptions_Action();
     void FileSelectAll_Action();
+    void FileLockFile_Action();
+    void FileUnlockFile_Action();
+    void FileDeleteFile_Action();
+    void FileRenameFile_Action();
+    bool FileSetFileAddresses_Action();
+    void FileExportFile_Action();
     void HelpAboutQuoravel_Action();
 
     void lvwDB_GotFocus(int drive);
     void lvwDB_CellClick(int drive, int row);
     void lvwDB_MouseDown(QPoint where);
+    void lvwDB_CellAction(int drive, int row, int column);
+    void lvwDB_CellKeyDown(int key);
+    std::vector<std::filesystem::path> lvwDB_DragRow();
+    void lvwDB_DropObject(int drive, const std::vector<std::filesystem::path>& files);
+    void tmrRefresh_Action();
 
     void SetMsgText(int drive, std::string_view text) override;
     void SetTitleBar();
@@ -92,6 +112,9 @@ class frmMain : public QMainWindow, private StatusLine {
 
     [[nodiscard]] Listbox& lvwDB(int drive) const;
     [[nodiscard]] bool IsTwoSided() const;
+    [[nodiscard]] bool MayOverrideLocks() const;
+    [[nodiscard]] ListRow RowOf(int drive, int row) const;
+    void ForSelectedNames(const std::function<void(const std::string&)>& command);
 
     struct Pane {
         Listbox* lvwDB;
@@ -101,6 +124,8 @@ class frmMain : public QMainWindow, private StatusLine {
 
     QWidget* content_;
     std::array<Pane, kDrives> panes_;
+    QTimer* tmrRefresh_;
+    DragFolder dragged_;
     MenuBar menu_;
 };
 

@@ -2,12 +2,12 @@
 
 #include "disc/free_space.h"
 #include "disc/listing.h"
+#include "platform/qt/busy_cursor.h"
 #include "platform/qt/guard.h"
 #include "platform/qt/listbox.h"
 #include "platform/qt/text.h"
 #include "shell/frmMain.h"
 
-#include <QApplication>
 #include <QFrame>
 #include <QLabel>
 #include <QMenu>
@@ -48,18 +48,37 @@ void frmMain::BuildPane(int drive) {
     text->setTextFormat(Qt::PlainText);
     panes_[static_cast<std::size_t>(drive)] = {list, box, text};
 
-    Connect(list, &Listbox::GotFocus, this, [this, drive] { lvwDB_GotFocus(drive); });
-    Connect(list, &Listbox::CellClick, this,
+    ConnectList(*list, drive);
+}
+
+void frmMain::ConnectList(Listbox& list, int drive) {
+    Connect(&list, &Listbox::GotFocus, this, [this, drive] { lvwDB_GotFocus(drive); });
+    Connect(&list, &Listbox::CellClick, this,
             [this, drive](int row, int, int, int) { lvwDB_CellClick(drive, row); });
     // A key that moves to another row chooses it as a click does.
-    Connect(list, &Listbox::RowChange, this,
+    Connect(&list, &Listbox::RowChange, this,
             [this, drive](int row) { lvwDB_CellClick(drive, row); });
-    Connect(list, &Listbox::SelectAllRequested, this, [this, drive] {
+    Connect(&list, &Listbox::SelectAllRequested, this, [this, drive] {
         lvwDB_GotFocus(drive);
         FileSelectAll_Action();
     });
-    Connect(list, &Listbox::ContextualClick, this,
+    Connect(&list, &Listbox::RenameRequested, this, [this] { FileRenameFile_Action(); });
+    Connect(&list, &Listbox::CellAction, this,
+            [this, drive](int row, int column) { lvwDB_CellAction(drive, row, column); });
+    Connect(&list, &Listbox::CellKeyDown, this,
+            [this](int, int, int key) { lvwDB_CellKeyDown(key); });
+    // However an edit ends, its rows gone included, nobody waits for it any longer.
+    Connect(&list, &Listbox::EditEnded, this, [] { Module1::gDone = true; });
+    Connect(&list, &Listbox::ContextualClick, this,
             [this](QPoint where) { lvwDB_MouseDown(where); });
+    // The program that the files come from waits for the drop to end, so the import follows it.
+    Connect(
+        &list, &Listbox::DropObject, this,
+        [this, drive](const std::vector<std::filesystem::path>& files) {
+            lvwDB_DropObject(drive, files);
+        },
+        Qt::QueuedConnection);
+    list.DragRow = [this] { return lvwDB_DragRow(); };
 }
 
 Listbox& frmMain::lvwDB(int drive) const {

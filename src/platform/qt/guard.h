@@ -23,15 +23,17 @@ void Guarded(Entry&& entry) {
 
 /// QObject::connect with the guard around `slot`, which takes the signal's arguments or none.
 template<class Sender, class Owner, class... Arguments, class Slot>
-void Connect(Sender* sender, void (Owner::*signal)(Arguments...), QObject* context, Slot slot) {
-    QObject::connect(sender, signal, context, [slot](Arguments... arguments) mutable {
+void Connect(Sender* sender, void (Owner::*signal)(Arguments...), QObject* context, Slot slot,
+             Qt::ConnectionType type = Qt::AutoConnection) {
+    const auto guarded = [slot](Arguments... arguments) mutable {
         Guarded([&] {
             if constexpr (std::is_invocable_v<Slot&, Arguments...>)
                 slot(std::forward<Arguments>(arguments)...);
             else
                 slot();
         });
-    });
+    };
+    QObject::connect(sender, signal, context, guarded, type);
 }
 
 } // namespace quoravel

@@ -1,15 +1,62 @@
 #include "platform/qt/listbox.h"
 
+#include "platform/qt/guard.h"
 #include "platform/qt/text.h"
 
 #include <QContextMenuEvent>
+#include <QDrag>
+#include <QDropEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QMimeData>
 #include <QMouseEvent>
+#include <QStyledItemDelegate>
+#include <QUrl>
+
+#include <utility>
 
 namespace quoravel {
 
+/// Makes the editors of cells and tells the list what happens in them.
+class Listbox::CellEditor : public QStyledItemDelegate {
+  public:
+    explicit CellEditor(Listbox& list) : QStyledItemDelegate(&list), list_(list) {}
+
+    QWidget* createEditor(QWidget* parent, const QStyleOptionViewItem& option,
+                          const QModelIndex& index) const override {
+        list_.editor_ = QStyledItemDelegate::createEditor(parent, option, index);
+        list_.edited_ = index;
+        list_.committed_ = false;
+        return list_.editor_;
+    }
+
+    void setModelData(QWidget* editor, QAbstractItemModel* model,
+                      const QModelIndex& index) const override {
+        QStyledItemDelegate::setModelData(editor, model, index);
+        list_.committed_ = true;
+    }
+
+  protected:
+    bool eventFilter(QObject* object, QEvent* event) override {
+        if (object == list_.editor_ && event->type() == QEvent::KeyPress)
+            Q_EMIT list_.CellKeyDown(list_.edited_.row(), list_.edited_.column(),
+                                     CharacterOf(*static_cast<QKeyEvent*>(event)));
+        return QStyledItemDelegate::eventFilter(object, event);
+    }
+
+  private:
+    static int CharacterOf(const QKeyEvent& key) {
+        if (key.key() == Qt::Key_Escape)
+            return 27;
+        return key.text().isEmpty() ? 0 : key.text().front().unicode();
+    }
+
+    Listbox& list_;
+};
+
 Listbox::Listbox(QWidget* parent) : QTreeWidget(parent) {
+    setItemDelegate(new CellEditor(*this));
+    setDragDropMode(QAbstractItemView::DragDrop);
     setRootIsDecorated(false);
     setUniformRowHeights(true);
     setAllColumnsShowFocus(true);
@@ -48,7 +95,11 @@ void Listbox::PlaceColumns() {
 }
 
 void Listbox::DeleteAllRows() {
-    clear();
+    const bool editing = !editor_.isNull();
+    editor_.clear();
+    clear(); // takes an open editor with it and says nothing
+    if (editing)
+        Q_EMIT EditEnded();
 }
 
 void Listbox::AddRow(const std::vector<std::string_view>& cells) {
@@ -78,6 +129,71 @@ void Listbox::SelectOnly(int row) {
                    QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
 }
 
+bool Listbox::EditCell(int row, int column) {
+    QTreeWidgetItem* item = topLevelItem(row);
+    if (item == nullptr)
+        return false;
+    if (edited_ != indexFromItem(item, column))
+        CommitEdit();
+    item->setFlags(item->flags() | Qt::ItemIsEditable);
+    editItem(item, column);
+    return !editor_.isNull();
+}
+
+void Listbox::CommitEdit() {
+    if (editor_.isNull())
+        return;
+    commitData(editor_);
+    closeEditor(editor_, QAbstractItemDelegate::NoHint);
+}
+
+/// Without the hints of Tab, which would open the next cell. What the commit leads to may show a
+/// box, and a box takes the focus, which would commit again: so it is told only now.
+void Listbox::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint) {
+    if (editor != editor_)
+        return;
+    QTreeWidget::closeEditor(editor, QAbstractItemDelegate::NoHint);
+    editor_.clear();
+    if (std::exchange(committed_, false))
+        Q_EMIT CellAction(edited_.row(), edited_.column());
+    Q_EMIT EditEnded();
+}
+
+void Listbox::startDrag(Qt::DropActions) {
+    std::vector<std::filesystem::path> dragged;
+    Guarded([&] { dragged = DragRow(); });
+    QList<QUrl> urls;
+    for (const auto& file : dragged)
+        urls.append(QUrl::fromLocalFile(PathText(file)));
+    if (urls.isEmpty())
+        return;
+    auto* offer = new QMimeData;
+    offer->setUrls(urls);
+    auto* drag = new QDrag(this); // Qt deletes both when it is over
+    drag->setMimeData(offer);
+    drag->exec(Qt::CopyAction);
+}
+
+void Listbox::dragEnterEvent(QDragEnterEvent* event) {
+    if (event->mimeData()->hasUrls())
+        dragMoveEvent(event);
+}
+
+void Listbox::dragMoveEvent(QDragMoveEvent* event) {
+    event->setDropAction(Qt::CopyAction);
+    event->setAccepted(event->mimeData()->hasUrls());
+}
+
+void Listbox::dropEvent(QDropEvent* event) {
+    std::vector<std::filesystem::path> files;
+    for (const QUrl& url : event->mimeData()->urls())
+        if (url.isLocalFile())
+            files.push_back(PathOfUrl(url));
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    Q_EMIT DropObject(files);
+}
+
 void Listbox::focusInEvent(QFocusEvent* event) {
     QTreeWidget::focusInEvent(event);
     // A window that comes back to the front, or a menu that closes, gives back a focus that was
@@ -100,6 +216,10 @@ void Listbox::mousePressEvent(QMouseEvent* event) {
 void Listbox::keyPressEvent(QKeyEvent* event) {
     if (event->matches(QKeySequence::SelectAll)) {
         Q_EMIT SelectAllRequested();
+        return;
+    }
+    if (event->key() == Qt::Key_F2 && event->modifiers() == Qt::NoModifier) {
+        Q_EMIT RenameRequested();
         return;
     }
     const int before = currentIndex().row();

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <QPointer>
 #include <QTreeWidget>
 
+#include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -35,6 +38,14 @@ class Listbox : public QTreeWidget {
     /// Makes `row` the only selected one, and the one that the keyboard starts from.
     void SelectOnly(int row);
 
+    /// Opens a cell for editing, its text selected; an edit that is open elsewhere is committed.
+    /// False if there is no such row.
+    bool EditCell(int row, int column);
+
+    /// Asked when the selected rows are dragged away, and must be set: the files to offer, all of
+    /// which exist. None: no drag begins.
+    std::function<std::vector<std::filesystem::path>()> DragRow;
+
   Q_SIGNALS:
     /// The keyboard now belongs to this list.
     void GotFocus();
@@ -44,6 +55,16 @@ class Listbox : public QTreeWidget {
     void RowChange(int row);
     /// Every row is wanted, by the keys that the desktop has for it.
     void SelectAllRequested();
+    /// The current row is to be renamed, by the desktop's key for it.
+    void RenameRequested();
+    /// An edit was committed and is closed; the cell holds the new text.
+    void CellAction(int row, int column);
+    /// A key went down in the editor of a cell; its character code, 0 if it has none.
+    void CellKeyDown(int row, int column, int key);
+    /// An edit is over, however it ended: committed, given up, or its row is gone.
+    void EditEnded();
+    /// Files were dropped here.
+    void DropObject(std::vector<std::filesystem::path> files);
     /// A menu is asked for at a place on the screen.
     void ContextualClick(QPoint where);
 
@@ -53,11 +74,22 @@ class Listbox : public QTreeWidget {
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void startDrag(Qt::DropActions actions) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
 
   private:
+    class CellEditor;
+
     void PlaceColumns();
+    void CommitEdit();
 
     std::vector<int> percentages_;
+    QPointer<QWidget> editor_; ///< of the cell that is being edited
+    QPersistentModelIndex edited_;
+    bool committed_ = false; ///< the text of the open editor has gone into its cell
 };
 
 } // namespace quoravel

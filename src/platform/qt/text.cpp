@@ -37,4 +37,8 @@ std::filesystem::path PathOfText(const QString& text) {
     return QFile::encodeName(text).toStdString();
 }
 
+std::filesystem::path PathOfUrl(const QUrl& url) {
+    return QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1()).toStdString();
+}
+
 } // namespace quoravel

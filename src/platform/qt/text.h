@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QUrl>
 
 #include <filesystem>
 #include <string>
@@ -24,5 +25,8 @@ namespace quoravel {
 /// File references, as dialogs give and take them.
 [[nodiscard]] QString PathText(const std::filesystem::path& path);
 [[nodiscard]] std::filesystem::path PathOfText(const QString& text);
+
+/// The file that a local address names, to the byte: names that are not UTF-8 come through.
+[[nodiscard]] std::filesystem::path PathOfUrl(const QUrl& url);
 
 } // namespace quoravel

@@ -1,0 +1,63 @@
+// frmMain: files in and out, by menu and by drag and drop.
+
+#include "exchange/export.h"
+#include "exchange/import.h"
+#include "platform/host.h"
+#include "platform/qt/busy_cursor.h"
+#include "platform/qt/listbox.h"
+#include "shell/frmMain.h"
+
+#include <QTimer>
+
+namespace quoravel {
+
+namespace fs = std::filesystem;
+
+ListRow frmMain::RowOf(int drive, int row) const {
+    const Listbox& list = lvwDB(drive);
+    return {list.Cell(row, 0), list.Cell(row, 1), list.Cell(row, 2),
+            list.Cell(row, 3), list.Cell(row, 4), list.Cell(row, 5)};
+}
+
+void frmMain::FileExportFile_Action() {
+    if (Module1::mSelectedItem == -1)
+        return;
+    const auto folder = host().AskFolder();
+    if (!folder)
+        return;
+    const BusyCursor busy;
+    for (int row = 0; row < lvwDB(Module1::cur_drive).ListCount(); ++row) {
+        if (!lvwDB(Module1::cur_drive).Selected(row))
+            continue;
+        if (!ExportRow(RowOf(Module1::cur_drive, row), Module1::cur_drive, *folder))
+            return;
+        Yield();
+    }
+}
+
+std::vector<fs::path> frmMain::lvwDB_DragRow() {
+    const BusyCursor busy;
+    std::vector<ListRow> rows;
+    for (int row = 0; row < lvwDB(Module1::cur_drive).ListCount(); ++row)
+        if (lvwDB(Module1::cur_drive).Selected(row))
+            rows.push_back(RowOf(Module1::cur_drive, row));
+    return dragged_.Export(rows, Module1::cur_drive);
+}
+
+void frmMain::lvwDB_DropObject(int drive, const std::vector<fs::path>& files) {
+    const BusyCursor busy;
+    for (const fs::path& file : files) {
+        if (ImportFile(drive, file))
+            break;
+        Yield();
+    }
+    tmrRefresh_->start();
+}
+
+void frmMain::tmrRefresh_Action() {
+    if (IsTwoSided())
+        GetRootTitles(1);
+    GetRootTitles(0);
+}
+
+} // namespace quoravel
