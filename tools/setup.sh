@@ -1,5 +1,6 @@
 # For `run` and `test` to source: the packages of Debian 12 that each purpose needs, how to get
-# them, and how to build. shellcheck shell=bash
+# them, and how to build. Both set `root` to the project's folder before.
+# shellcheck shell=bash disable=SC2034,SC2154
 
 packages_build=(g++ cmake ninja-build libexpat1-dev libpugixml-dev qt6-base-dev)
 packages_tests=(libgtest-dev libgmock-dev libplist-utils)
@@ -44,9 +45,9 @@ need_packages() {
     # An update that fails is no reason to stop: what is needed may be known already.
     apt_get update >"$log" 2>&1
     if ! apt_get install --no-install-recommends "${missing[@]}" >>"$log" 2>&1; then
-        grep -E '^(E|Err|W|sudo):?' "$log" >&2 || tail -n 5 "$log" >&2
+        grep -E '^(E|sudo):' "$log" >&2 || tail -n 5 "$log" >&2
         rm -f "$log"
-        die "Could not install ${missing[*]}: apt-get says why above (no network, perhaps)."
+        die "Could not install ${missing[*]}: the lines above say why."
     fi
     rm -f "$log"
 }

@@ -17,7 +17,7 @@ start_virtual_display() {
     setsid openbox >/dev/null 2>&1 &
     display_processes+=($!)
     say "No display here, so there is a virtual one: point a VNC viewer at 127.0.0.1:$port," \
-        "password $password (from elsewhere: ssh -L $port:127.0.0.1:$port THIS-MACHINE);" \
+        "password $password (from elsewhere: ssh -L $port:127.0.0.1:$port $(uname -n));" \
         "Ctrl+C or closing the program stops it all."
 }
 
@@ -25,6 +25,7 @@ start_virtual_display() {
 start_xvfb() {
     local cookie
     cookie=$(mcookie)
+    : >"$XAUTHORITY"
     xauth -q add :0 . "$cookie"
     exec {display_out}< <(exec setsid Xvfb -displayfd 1 -screen 0 1280x900x24 -nolisten tcp \
         -auth "$XAUTHORITY" 2>>"$display_folder/log")
