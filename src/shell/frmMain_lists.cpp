@@ -19,17 +19,6 @@ namespace {
 constexpr int kStatusHeight = 20;
 constexpr int kStatusMargin = 20; // on each side of the status text
 
-/// The busy cursor for as long as this lives.
-class BusyCursor {
-  public:
-    BusyCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
-
-    BusyCursor(const BusyCursor&) = delete;
-    BusyCursor& operator=(const BusyCursor&) = delete;
-
-    ~BusyCursor() { QApplication::restoreOverrideCursor(); }
-};
-
 QString NameOf(const char* control, int drive) {
     return QStringLiteral("%1(%2)").arg(QLatin1StringView(control)).arg(drive);
 }
