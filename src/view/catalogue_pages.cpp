@@ -24,8 +24,9 @@ using Step = void (*)();
 
 /// A row of a page. One that the listing ended before stays as it is made here.
 struct PageRow {
-    std::string key; ///< sorted by; of *EX the whole line
+    std::string text; ///< of *CAT the name, of *EX the whole line
     std::string attr = " ";
+    std::string key; ///< sorted by: the text in capitals
 };
 
 std::string Padded(std::string_view text, std::size_t width) {
@@ -44,41 +45,41 @@ unsigned CycleNumber(unsigned byte) {
 }
 
 /// Blanks in place of "$." bring the files of $ to the front.
-std::string CatKey(const ListRow& file) {
-    if (file.FileName.front() != '$')
-        return file.FileName;
-    return std::string(kGap).append(file.FileName, 2);
+PageRow CatRow(const ListRow& file) {
+    const bool in_dollar = file.FileName.front() == '$';
+    return {in_dollar ? std::string(kGap).append(file.FileName, 2) : file.FileName, file.Attr, {}};
 }
 
-std::string EXLine(const ListRow& file) {
+PageRow EXRow(const ListRow& file) {
     std::string line = Padded(file.FileName, kNameWidth);
     for (const std::string& cell : {file.Attr, file.Load, file.Exec, file.Size, file.Sector})
         line.append(kGap).append(cell);
-    return line;
+    return {line, {}, {}};
 }
 
 /// The rows of a page in catalogue order, one for each file that the disc counts; `row_of` makes
 /// one of a file. Those after the end of the listing stay empty.
-template<class RowOf>
-std::vector<PageRow> ReadRows(RowOf row_of, Step step) {
+std::vector<PageRow> ReadRows(PageRow (*row_of)(const ListRow&), Step step) {
     const int files = GetNumberOfDirEntries(Module1::cur_drive);
     std::vector<PageRow> rows(static_cast<std::size_t>(files));
     for (int i = 0; i < files; ++i) {
         const auto file = ListFile(GetDirOffset(Module1::cur_drive, i));
         if (!file)
             break;
-        rows[static_cast<std::size_t>(i)] = row_of(*file);
+        PageRow& row = rows[static_cast<std::size_t>(i)];
+        row = row_of(*file);
+        row.key = UpperCase(row.text);
         step();
     }
     return rows;
 }
 
-/// Sorts by the upper-cased keys. Meant: an exchange can carry one of two equal keys past the
-/// other, where a stable sort would keep their order.
+/// Sorts by the keys. Meant: an exchange can carry one of two equal keys past the other, where a
+/// stable sort would keep their order.
 void ExchangeSort(std::vector<PageRow>& rows, Step step) {
     for (std::size_t i = 0; i + 1 < rows.size(); ++i) {
         for (std::size_t j = i + 1; j < rows.size(); ++j) {
-            if (UpperCase(rows[j].key) < UpperCase(rows[i].key))
+            if (rows[j].key < rows[i].key)
                 std::swap(rows[i], rows[j]);
             step();
         }
@@ -86,13 +87,13 @@ void ExchangeSort(std::vector<PageRow>& rows, Step step) {
     }
 }
 
-/// The first character of a key, or nothing.
+/// The first character of a row, or nothing.
 std::string_view FirstOf(const PageRow& row) {
-    return std::string_view(row.key).substr(0, 1);
+    return std::string_view(row.text).substr(0, 1);
 }
 
 std::string CatField(const PageRow& row) {
-    return std::string(kGap).append(Padded(row.key, kNameWidth)) + "  " + row.attr + "      ";
+    return "  " + Padded(row.text, kNameWidth) + "  " + row.attr + "      ";
 }
 
 /// The files of *CAT in two columns.
@@ -134,20 +135,16 @@ void ListHeader(int start, ViewSink& sink) {
 
 void ListCat(ViewSink& sink) {
     ListHeader(GetStartSectorOfDrive(Module1::cur_drive), sink);
-    auto rows = ReadRows(
-        [](const ListRow& file) {
-            return PageRow{CatKey(file), file.Attr};
-        },
-        Yield);
+    auto rows = ReadRows(CatRow, Yield);
     ExchangeSort(rows, Yield);
     PrintFields(rows, sink);
 }
 
 void ListEX(ViewSink& sink, void (*step)()) {
-    auto rows = ReadRows([](const ListRow& file) { return PageRow{EXLine(file)}; }, step);
+    auto rows = ReadRows(EXRow, step);
     ExchangeSort(rows, step);
     for (const PageRow& row : rows) {
-        sink.ShowData(row.key + "\r");
+        sink.ShowData(row.text + "\r");
         step();
     }
 }
