@@ -9,7 +9,6 @@ namespace quoravel {
 namespace {
 
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 using testing::Pair;
 
 constexpr int kDrive1 = 204800;
@@ -37,11 +36,7 @@ std::string SectorText(int drive, int sector, int count) {
 TEST_F(Compaction, FilesSlideDownIntoTheGaps) {
     for (const int drive : {0, 1}) {
         DiscBuilder(drive)
-            .File({.name = "HIGH",
-                   .load = 0x31900,
-                   .exec = 0x2FFFF,
-                   .length = 0x103,
-                   .sector = 0x300})
+            .File({"HIGH", '$', false, 0x31900, 0x2FFFF, 0x103, 0x300})
             .File({.name = "LOCKED", .locked = true, .length = 4, .sector = 8})
             .File({.name = "EMPTY", .sector = 6})
             .File({.name = "LOW", .length = 257, .sector = 3})
@@ -66,10 +61,7 @@ TEST_F(Compaction, FilesSlideDownIntoTheGaps) {
 }
 
 TEST_F(Compaction, OnlyTheBytesOfAFileMove) {
-    DiscBuilder(0)
-        .File({.name = "A", .length = 3, .sector = 4})
-        .Data(2, "remains")
-        .Data(4, "newtail");
+    DiscBuilder(0).File(At(4, 3)).Data(2, "remains").Data(4, "newtail");
     CompactDrive(0);
     EXPECT_EQ(SectorText(0, 2, 7), "newains");
     EXPECT_EQ(SectorText(0, 4, 7), "newtail") << "a sector that was left is not cleared";
@@ -93,15 +85,13 @@ TEST_F(Compaction, AWatfordDiscFillsItsFirstCatalogueFromItsSecond) {
                          Row{5, 0, 5, 0}, Row{26, 5, 31, 0}}) {
         SCOPED_TRACE(testing::Message() << r.first << " and " << r.second);
         DiscBuilder(0, DiscBuilder::kWatford).Fill(r.first, r.second);
-        // The second catalogue's files lie above, so the walk by sector is the order on the disc.
-        auto expected = Places(0);
+        auto expected = Places(0); // by sector, the highest first, as a catalogue has them
         std::ranges::sort(expected, std::greater{}, [](const auto& place) { return place.second; });
         CompactDrive(0);
         EXPECT_EQ(Module1::DiscImg.Byte(261), 8 * r.first_after);
         EXPECT_EQ(Module1::DiscImg.Byte(773), 8 * r.second_after);
         auto found = Places(0);
-        // First catalogue below second: put the second in front to get the order on the disc.
-        std::ranges::rotate(found, found.begin() + r.first_after);
+        std::ranges::rotate(found, found.begin() + r.first_after); // the second lies above
         EXPECT_EQ(found, expected);
         for (int slot = r.second_after; slot < r.second; ++slot)
             EXPECT_EQ(BlockText(520 + 8 * slot, 8) + BlockText(776 + 8 * slot, 8),
@@ -112,7 +102,7 @@ TEST_F(Compaction, AWatfordDiscFillsItsFirstCatalogueFromItsSecond) {
 
 TEST_F(Compaction, TheSecondCataloguesFilesGoAboveTheFirsts) {
     DiscBuilder(1, DiscBuilder::kWatford)
-        .File({.name = "A", .length = 256, .sector = 9})
+        .File(At(9, 256))
         .SecondFile({.name = "C", .length = 256, .sector = 40})
         .SecondFile({.name = "B", .length = 512, .sector = 20})
         .Data(9, "a")
@@ -125,7 +115,7 @@ TEST_F(Compaction, TheSecondCataloguesFilesGoAboveTheFirsts) {
 
 TEST_F(Compaction, AMarkerThatSlidesIntoPlaceMakesNoWatfordDisc) {
     DiscBuilder(0)
-        .File({.name = "A", .length = 512, .sector = 10})
+        .File(At(10, 512))
         .Data(10, "\xAA\xAA\xAA\xAA\xAA\xAA\xAA\xAA")
         .Byte(11 * 256 + 5, 8);
     CompactDrive(0);
@@ -146,7 +136,7 @@ TEST_F(Compaction, MeantAnEntryOutOfOrderOverwritesAFileThatHasNotMoved) {
 
 TEST_F(Compaction, MeantTheBytesMoveOnTheCurrentDrive) {
     DiscBuilder(0).Data(5, "zero");
-    DiscBuilder(1).File({.name = "A", .length = 4, .sector = 5}).Data(5, "one!");
+    DiscBuilder(1).File(At(5, 4)).Data(5, "one!");
     Module1::cur_drive = 0;
     Compact(1);
     EXPECT_THAT(Places(1), ElementsAre(Pair("$.A", 2)));

@@ -29,39 +29,15 @@ TEST_F(FreeSpace, RegionsLieBetweenTheFiles) {
         {"blank, 40 tracks", false, 400, {}, {{2, 398}}},
         {"no sectors", false, 0, {}, {}},
         {"catalogue only", false, 2, {}, {}},
-        {"two files, two gaps",
-         false,
-         800,
-         {{.name = "B", .length = 512, .sector = 10}, {.name = "A", .length = 1024, .sector = 2}},
-         {{6, 4}, {12, 788}}},
-        {"order does not matter",
-         false,
-         800,
-         {{.name = "A", .length = 1024, .sector = 2}, {.name = "B", .length = 512, .sector = 10}},
-         {{6, 4}, {12, 788}}},
-        {"no bytes take a sector", false, 800, {{.name = "A", .sector = 5}}, {{2, 3}, {6, 794}}},
-        {"overlap",
-         false,
-         800,
-         {{.name = "B", .length = 1024, .sector = 4}, {.name = "A", .length = 1024, .sector = 2}},
-         {{8, 792}}},
-        {"up to the last sector",
-         false,
-         400,
-         {{.name = "A", .length = 256, .sector = 399}},
-         {{2, 397}}},
-        {"beyond the sector count",
-         false,
-         400,
-         {{.name = "A", .length = 256, .sector = 400}},
-         {{2, 398}}},
-        {"beyond the store",
-         false,
-         800,
-         {{.name = "A", .length = 256, .sector = 1023}},
-         {{2, 798}}},
-        {"in the catalogue", false, 800, {{.name = "A", .length = 256, .sector = 0}}, {{2, 798}}},
-        {"full", false, 800, {{.name = "A", .length = 798 * 256, .sector = 2}}, {}},
+        {"two gaps", false, 800, {At(10, 512), At(2, 1024)}, {{6, 4}, {12, 788}}},
+        {"order does not matter", false, 800, {At(2, 1024), At(10, 512)}, {{6, 4}, {12, 788}}},
+        {"no bytes take a sector", false, 800, {At(5, 0)}, {{2, 3}, {6, 794}}},
+        {"overlap", false, 800, {At(4, 1024), At(2, 1024)}, {{8, 792}}},
+        {"up to the last sector", false, 400, {At(399, 256)}, {{2, 397}}},
+        {"beyond the sector count", false, 400, {At(400, 256)}, {{2, 398}}},
+        {"beyond the store", false, 800, {At(1023, 256)}, {{2, 798}}},
+        {"in the catalogue", false, 800, {At(0, 256)}, {{2, 798}}},
+        {"full", false, 800, {At(2, 798 * 256)}, {}},
     };
     for (const Row& r : rows)
         for (const int drive : {0, 1}) {
@@ -75,7 +51,7 @@ TEST_F(FreeSpace, RegionsLieBetweenTheFiles) {
 }
 
 TEST_F(FreeSpace, MeantALengthThatReadsAsFFTakesAllToTheEndOfTheDisc) {
-    DiscBuilder(0).File({.name = "LONG", .length = 0x30000, .sector = 6});
+    DiscBuilder(0).File(At(6, 0x30000));
     GetFreeSpaceMap(0);
     EXPECT_THAT(FreeRegions(0), ElementsAreArray(Regions{{2, 4}}));
 }
@@ -83,8 +59,8 @@ TEST_F(FreeSpace, MeantALengthThatReadsAsFFTakesAllToTheEndOfTheDisc) {
 TEST_F(FreeSpace, AFileInEveryOtherSectorGivesARegionEach) {
     DiscBuilder disc(0, DiscBuilder::kWatford);
     for (int i = 0; i < 31; ++i) {
-        disc.File({.name = "A", .length = 1, .sector = 5 + 2 * i});
-        disc.SecondFile({.name = "B", .length = 1, .sector = 67 + 2 * i});
+        disc.File(At(5 + 2 * i, 1));
+        disc.SecondFile(At(67 + 2 * i, 1));
     }
     GetFreeSpaceMap(0);
     EXPECT_EQ(FreeRegions(0).size(), 63U);

@@ -191,12 +191,12 @@ TEST_F(ImageFiles, ALinearFileEndsBehindTheHighestUsedSector) {
         int length;
     };
 
-    const Entry none{.name = "N", .length = 0, .sector = 0};
-    for (const Row& r :
-         {Row{"blank", false, 800, none, 512}, Row{"blank, 40 tracks", false, 400, none, 512},
-          Row{"blank Watford", true, 800, none, 1024}, Row{"no sectors", false, 0, none, 256},
-          Row{"one file", false, 800, {.name = "A", .length = 257, .sector = 9}, 11 * 256},
-          Row{"to the end", false, 800, {.name = "A", .length = 1, .sector = 799}, kSide}}) {
+    for (const Row& r : {Row{"blank", false, 800, At(0, 0), 512},
+                         Row{"blank, 40 tracks", false, 400, At(0, 0), 512},
+                         Row{"blank Watford", true, 800, At(0, 0), 1024},
+                         Row{"no sectors", false, 0, At(0, 0), 256},
+                         Row{"one file", false, 800, At(9, 257), 11 * 256},
+                         Row{"to the end", false, 800, At(799, 1), kSide}}) {
         SCOPED_TRACE(r.what);
         DiscBuilder(0, r.watford, r.sectors).File(r.entry);
         Module1::gDirty = true;

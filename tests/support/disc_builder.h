@@ -17,6 +17,11 @@ struct Entry {
     int sector = 0;
 };
 
+/// A file "A" of `length` bytes from `sector` on.
+[[nodiscard]] constexpr Entry At(int sector, std::uint32_t length) {
+    return {.name = "A", .length = length, .sector = sector};
+}
+
 /// Writes a catalogue into one drive of DiscImg, byte by byte and with nothing of the code under
 /// test but the block. Files stand in the order of the calls: give the highest on the disc first.
 class DiscBuilder {
