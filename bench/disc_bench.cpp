@@ -1,12 +1,12 @@
 #include "disc/image_files.h"
 #include "disc/listing.h"
 #include "disc/module1.h"
+#include "medians.h"
 #include "support/disc_builder.h"
 
 #include <benchmark/benchmark.h>
 #include <cstdio>
 #include <filesystem>
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -67,20 +67,6 @@ void List(benchmark::State& state) {
     for ([[maybe_unused]] auto _ : state)
         benchmark::DoNotOptimize(SortedListFiles(0));
 }
-
-/// The usual table, and the medians kept: of processor time, so that it does not matter what else
-/// the machine is doing.
-class Medians : public benchmark::ConsoleReporter {
-  public:
-    void ReportRuns(const std::vector<Run>& report) override {
-        ConsoleReporter::ReportRuns(report);
-        for (const Run& run : report)
-            if (run.aggregate_name == "median")
-                nanoseconds[run.run_name.function_name] = run.GetAdjustedCPUTime();
-    }
-
-    std::map<std::string, double> nanoseconds;
-};
 
 } // namespace
 
