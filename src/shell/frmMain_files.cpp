@@ -53,6 +53,11 @@ void frmMain::FileRenameFile_Action() {
     if (Module1::mSelectedItem < 0)
         return;
     Listbox& list = lvwDB(Module1::cur_drive);
+    if (list.IsEditing(Module1::mSelectedItem, 0))
+        return;
+    // Chosen during another rename: that one still needs gOldString as it is.
+    for (int drive = 0; drive < kDrives; ++drive)
+        lvwDB(drive).CommitEdit();
     Module1::gOldString = list.Cell(Module1::mSelectedItem, 0);
     if (!list.EditCell(Module1::mSelectedItem, 0))
         return; // a row of the list that was left: there is nothing to wait for

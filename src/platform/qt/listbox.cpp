@@ -133,11 +133,13 @@ bool Listbox::EditCell(int row, int column) {
     QTreeWidgetItem* item = topLevelItem(row);
     if (item == nullptr)
         return false;
-    if (edited_ != indexFromItem(item, column))
-        CommitEdit();
     item->setFlags(item->flags() | Qt::ItemIsEditable);
     editItem(item, column);
     return !editor_.isNull();
+}
+
+bool Listbox::IsEditing(int row, int column) const {
+    return !editor_.isNull() && edited_.row() == row && edited_.column() == column;
 }
 
 void Listbox::CommitEdit() {

@@ -38,9 +38,11 @@ class Listbox : public QTreeWidget {
     /// Makes `row` the only selected one, and the one that the keyboard starts from.
     void SelectOnly(int row);
 
-    /// Opens a cell for editing, its text selected; an edit that is open elsewhere is committed.
-    /// False if there is no such row.
+    /// Opens a cell for editing, its text selected. False if there is no such row.
     bool EditCell(int row, int column);
+    [[nodiscard]] bool IsEditing(int row, int column) const;
+    /// Commits the open edit, if there is one.
+    void CommitEdit();
 
     /// Asked when the selected rows are dragged away, and must be set: the files to offer, all of
     /// which exist. None: no drag begins.
@@ -84,7 +86,6 @@ class Listbox : public QTreeWidget {
     class CellEditor;
 
     void PlaceColumns();
-    void CommitEdit();
 
     std::vector<int> percentages_;
     QPointer<QWidget> editor_; ///< of the cell that is being edited
