@@ -48,6 +48,10 @@ inline bool a_change = false;  ///< the address dialog was left with OK
 inline std::string gOldString; ///< name of the file under in-place rename
 inline bool gDone = false;     ///< the in-place rename has ended
 
+// Looking for a text, in every window that shows one.
+inline std::string gStr;     ///< what the last confirmed search looked for
+inline bool gDoFind = false; ///< the find dialog was left with OK
+
 // The trace of the link.
 inline bool gTraceWindow = false;   ///< the trace window is open
 inline bool gTraceFileOpen = false; ///< the trace is being written to a file
