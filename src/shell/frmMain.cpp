@@ -79,6 +79,13 @@ void frmMain::AddMenuHandlers() {
     handle("DiscSetTitle", &frmMain::DiscSetTitle_Action);
     handle("DiscSetBootOptions", &frmMain::DiscSetBootOptions_Action);
     handle("DiscCompactDisc", &frmMain::DiscCompactDisc_Action);
+    handle("DiscViewAsCAT", &frmMain::DiscViewAsCAT_Action);
+    handle("DiscViewAsEX", &frmMain::DiscViewAsEX_Action);
+    handle("DiscViewFreeSpaceMap", &frmMain::DiscViewFreeSpaceMap_Action);
+    handle("FileViewAsText", &frmMain::FileViewAsText_Action);
+    handle("FileViewAsBasic", &frmMain::FileViewAsBasic_Action);
+    handle("FileDisassembleFile", &frmMain::FileDisassembleFile_Action);
+    handle("FileViewAsHex", &frmMain::FileViewAsHex_Action);
     handle("FileSelectAll", &frmMain::FileSelectAll_Action);
     handle("FileLockFile", &frmMain::FileLockFile_Action);
     handle("FileUnlockFile", &frmMain::FileUnlockFile_Action);
@@ -126,6 +133,7 @@ void frmMain::Event_Close() {
     for (const auto& [item, key] : kOptions)
         XMLPreferences::SetPrefBoolean(key, menu_.Item(item).isChecked());
     XMLPreferences::WritePrefFile();
+    views_.CloseAll();
     host().Quit();
 }
 

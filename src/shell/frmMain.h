@@ -4,6 +4,7 @@
 #include "disc/module1.h"
 #include "exchange/drag_folder.h"
 #include "platform/qt/menu_bar.h"
+#include "view/frmView.h"
 
 #include <QMainWindow>
 
@@ -85,6 +86,13 @@ class frmMain : public QMainWindow, private StatusLine {
     void DiscCompactDisc_Action();
     void DiscSetTitle_Action();
     void DiscSetBootOptions_Action();
+    void FileViewAsText_Action();
+    void FileViewAsBasic_Action();
+    void FileDisassembleFile_Action();
+    void FileViewAsHex_Action();
+    void DiscViewAsCAT_Action();
+    void DiscViewAsEX_Action();
+    void DiscViewFreeSpaceMap_Action();
     void FileSelectAll_Action();
     void FileLockFile_Action();
     void FileUnlockFile_Action();
@@ -114,6 +122,7 @@ class frmMain : public QMainWindow, private StatusLine {
     [[nodiscard]] bool IsTwoSided() const;
     [[nodiscard]] bool MayOverrideLocks() const;
     [[nodiscard]] ListRow RowOf(int drive, int row) const;
+    void ViewSelectedFile(ViewTag tag);
     void ForSelectedNames(const std::function<void(const std::string&)>& command);
 
     struct Pane {
@@ -126,6 +135,7 @@ class frmMain : public QMainWindow, private StatusLine {
     std::array<Pane, kDrives> panes_;
     QTimer* tmrRefresh_;
     DragFolder dragged_;
+    Views views_;
     MenuBar menu_;
 };
 
