@@ -24,11 +24,6 @@ double VersionOf(const XmlNode& root) {
     return Val(root.attribute("version").value());
 }
 
-std::string BytesIn(const XmlNode& element) {
-    const auto bytes = DecodeBase64(NodeContents(element));
-    return {bytes.begin(), bytes.end()};
-}
-
 Value ReadDate(const XmlNode& element) {
     const auto date = DateFromText(NodeContents(element));
     return date ? Value(*date) : Value();
@@ -38,14 +33,19 @@ Value ReadData(const XmlNode& element) {
     return std::make_shared<MemoryBlock>(MemoryBlock{DecodeBase64(NodeContents(element))});
 }
 
+Value ReadFileReference(const XmlNode& element) {
+    const auto location = DecodeBase64(NodeContents(element));
+    return std::filesystem::path(std::string(location.begin(), location.end()));
+}
+
 Value ReadArray(const XmlNode& element) {
     const auto array = std::make_shared<Collection>();
     ParseXML(element, array);
     return array;
 }
 
-/// A dictionary merges into the one that its place holds already, so that loading over defaults
-/// keeps what the file does not name.
+/// A dictionary merges into `present`, the one that is stored in its place already, so that loading
+/// over defaults keeps what the file does not name.
 Value ReadDict(const XmlNode& element, const Value& present) {
     const auto* stored = std::get_if<DictionaryRef>(&present);
     const DictionaryRef dict =
@@ -54,34 +54,32 @@ Value ReadDict(const XmlNode& element, const Value& present) {
     return dict;
 }
 
-/// Reads an element; `present` is what is stored already in the place that its value goes to.
 struct Reading {
     std::string_view name;
-    Value (*read)(const XmlNode& element, const Value& present);
+    Value (*read)(const XmlNode& element);
 };
 
+/// All elements but dict.
 constexpr std::array kReadings{
-    Reading{"null", [](const XmlNode&, const Value&) { return Value(); }},
-    Reading{"integer",
-            [](const XmlNode& e, const Value&) { return Value(IntegerFromText(NodeContents(e))); }},
-    Reading{"real", [](const XmlNode& e, const Value&) { return Value(Val(NodeContents(e))); }},
-    Reading{"date", [](const XmlNode& e, const Value&) { return ReadDate(e); }},
-    Reading{"string", [](const XmlNode& e, const Value&) { return Value(NodeContents(e)); }},
-    Reading{"dict", ReadDict},
-    Reading{"array", [](const XmlNode& e, const Value&) { return ReadArray(e); }},
-    Reading{"data", [](const XmlNode& e, const Value&) { return ReadData(e); }},
-    Reading{"file", [](const XmlNode& e,
-                       const Value&) { return Value(std::filesystem::path(BytesIn(e))); }},
-    Reading{"true", [](const XmlNode&, const Value&) { return Value(true); }},
-    Reading{"false", [](const XmlNode&, const Value&) { return Value(false); }},
-    Reading{"color",
-            [](const XmlNode& e, const Value&) { return Value(ColourFromText(NodeContents(e))); }},
+    Reading{"null", [](const XmlNode&) { return Value(); }},
+    Reading{"integer", [](const XmlNode& e) { return Value(IntegerFromText(NodeContents(e))); }},
+    Reading{"real", [](const XmlNode& e) { return Value(Val(NodeContents(e))); }},
+    Reading{"date", ReadDate},
+    Reading{"string", [](const XmlNode& e) { return Value(NodeContents(e)); }},
+    Reading{"array", ReadArray},
+    Reading{"data", ReadData},
+    Reading{"file", ReadFileReference},
+    Reading{"true", [](const XmlNode&) { return Value(true); }},
+    Reading{"false", [](const XmlNode&) { return Value(false); }},
+    Reading{"color", [](const XmlNode& e) { return Value(ColourFromText(NodeContents(e))); }},
 };
 
 void ReadElement(const XmlNode& element, const Key& key, const Value& store) {
+    if (EqualIgnoringCase(element.name(), "dict"))
+        return StoreValue(key, ReadDict(element, StorageByKey(store, key)), store);
     for (const Reading& reading : kReadings) {
         if (EqualIgnoringCase(element.name(), reading.name))
-            return StoreValue(key, reading.read(element, StorageByKey(store, key)), store);
+            return StoreValue(key, reading.read(element), store);
     }
 }
 
