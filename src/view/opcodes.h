@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <string_view>
@@ -11,12 +12,12 @@ namespace quoravel {
 /// An addressing mode: how its operand is written, and the length of the instruction. In the
 /// operand, l stands for the byte behind the opcode, h for the one behind that, and r for the
 /// target of a branch; every other character stands for itself.
-struct Mode {
+struct AddressingMode {
     std::string_view operand;
     int bytes;
 };
 
-inline constexpr auto kModes = std::to_array<Mode>({
+inline constexpr auto kAddressingModes = std::to_array<AddressingMode>({
     {"", 1},        // implied
     {"#&l", 2},     // immediate
     {"&l", 2},      // zero page
@@ -33,7 +34,7 @@ inline constexpr auto kModes = std::to_array<Mode>({
     {"(&hl,X)", 3}, // absolute indexed indirect
     {"(&l)", 2},    // zero page indirect
 });
-static_assert(kModes.size() == 15);
+static_assert(kAddressingModes.size() == 15);
 
 // clang-format off
 /// Mnemonic and operand of each opcode; a lone dot has no instruction. Meant: F4 is a NOP of one
@@ -75,19 +76,21 @@ inline constexpr auto kInstructions = std::to_array<std::string_view>({
 });
 // clang-format on
 static_assert(kInstructions.size() == 256);
+static_assert(std::ranges::count(kInstructions, std::string_view(".")) == 77);
 
 struct Opcode {
     std::string_view mnemonic;
-    Mode mode;
+    AddressingMode mode;
 };
 
-/// The instruction of a cell above. A mode that kModes does not have ends the compilation.
+/// The instruction of a cell above. A mode that kAddressingModes does not have ends the
+/// compilation.
 consteval Opcode OpcodeOf(std::string_view cell) {
     if (cell == ".")
-        return {"???", kModes[0]};
+        return {"???", kAddressingModes[0]};
     const std::string_view mnemonic = cell.substr(0, 3);
     const std::string_view operand = cell.size() > 3 ? cell.substr(4) : std::string_view{};
-    for (const Mode& mode : kModes)
+    for (const AddressingMode& mode : kAddressingModes)
         if (mode.operand == operand)
             return {mnemonic, mode};
     throw "no such mode";
