@@ -1,0 +1,83 @@
+#include "support/view_test.h"
+
+#include "support/disc_builder.h"
+#include "view/wordwise/state.h"
+
+#include <QApplication>
+#include <QTimer>
+
+namespace quoravel {
+
+void ViewTest::SetUp() {
+    MainWindowTest::SetUp();
+    Module1::gStr.clear();
+    WordWise::Underline = false;
+    WordWise::DoubleStrike = false;
+}
+
+void ViewTest::TearDown() {
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr) << "the busy cursor is still shown";
+    EXPECT_EQ(desktop.TakeBoxTexts(), std::vector<std::string>{});
+    MainWindowTest::TearDown();
+}
+
+void ViewTest::PutFile(std::string_view bytes, std::string_view name) const {
+    DiscBuilder()
+        .File({.name = name, .length = static_cast<std::uint32_t>(bytes.size()), .sector = 2})
+        .Data(2, bytes);
+    window->GetRootTitles(0);
+}
+
+ViewTest::View ViewTest::Show(const char* item) const {
+    Choose(item);
+    return Module1::gViewForm.lock();
+}
+
+ViewTest::View ViewTest::ShowText(std::string_view bytes) const {
+    PutFile(bytes);
+    return Show("FileViewAsText");
+}
+
+EditField& ViewTest::Text(const View& view) {
+    return *view->findChild<EditField*>(QStringLiteral("rtbView"));
+}
+
+std::string ViewTest::Title(const View& view) {
+    return view->windowTitle().toStdString();
+}
+
+QAction& ViewTest::Item(const View& view, const char* name) {
+    return *view->findChild<QAction*>(QLatin1StringView(name));
+}
+
+void ViewTest::Choose(const View& view, const char* item) {
+    EXPECT_TRUE(Item(view, item).isEnabled()) << item;
+    Item(view, item).trigger();
+}
+
+void ViewTest::Find(const View& view, const std::function<void(QLineEdit&, QDialog&)>& act) {
+    QTimer::singleShot(0, view.get(), [&] {
+        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        act(*dialog->findChild<QLineEdit*>(QStringLiteral("txtFind")), *dialog);
+        EXPECT_TRUE(dialog->isHidden()) << "still open at the end";
+        dialog->hide();
+    });
+    Choose(view, "EditFind");
+    view->activateWindow(); // as window managers do, of which there is none
+    EXPECT_TRUE(QTest::qWaitForWindowActive(view.get()));
+}
+
+void ViewTest::Find(const View& view, const QString& wanted) {
+    Find(view, [&](QLineEdit& field, QDialog&) {
+        field.setText(wanted);
+        QTest::keyClick(&field, Qt::Key_Return);
+    });
+}
+
+std::string ViewTest::Selection(const View& view) {
+    const EditField& text = Text(view);
+    return std::to_string(text.SelStart()) + ":" + std::string(text.SelText());
+}
+
+} // namespace quoravel
