@@ -134,12 +134,13 @@ TEST_F(BasicLister, AFileThatRunsPastTheBlockListsWhatIsThere) {
     }
 }
 
-TEST_F(BasicLister, ALineOfAWholeDriveHoldsUpNobody) {
-    desktop.now = std::chrono::hours(1); // the last pump was long ago
+TEST_F(BasicLister, EventsRunWithinALineAsLongAsADrive) {
     Module1::DiscImg.Write(0, HexBytes("0D 00 0A 05"));
-    Module1::DiscImg.Fill(4, kDriveBytes, 0x8D);
+    Module1::DiscImg.Fill(4, kDriveBytes, 0x8D); // a number every four bytes
     EXPECT_THAT(ListFile(0, kDriveBytes), ElementsAre());
-    EXPECT_GT(desktop.pumps, 0);
+    desktop.now = std::chrono::hours(1); // the last pump was long ago
+    desktop.on_pump = [] { Module1::DiscImg.SetByte(kDriveBytes - 4, 13); };
+    EXPECT_EQ(ListFile(0, kDriveBytes).size(), 1U) << "now its end is there";
 }
 
 // The pages are as LISTO 1 prints them; only the line numbers that lose bits differ.
