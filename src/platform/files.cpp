@@ -278,23 +278,23 @@ std::optional<FileError> LengthOfFile(const fs::path& file, std::uint64_t& lengt
     return {};
 }
 
-std::optional<FileError> ReplaceFile(const fs::path& name, Bytes bytes, Flush flush) {
-    const fs::path file = FollowLinks(name);
+std::optional<FileError> ReplaceFile(const fs::path& file, Bytes bytes, Flush flush) {
+    const fs::path target = FollowLinks(file);
     std::optional<struct stat> old;
-    if (auto error = LookAtOld(file, old))
+    if (auto error = LookAtOld(target, old))
         return error;
-    SideFile side = MakeSideFile(file);
+    SideFile side = MakeSideFile(target);
     if (!side.out.IsOpen())
-        return WithoutNewFile(errno, file, bytes, old);
+        return WithoutNewFile(errno, target, bytes, old);
     auto error = FillSideFile(side, bytes, old, flush);
-    if (!error && ::rename(side.path.c_str(), file.c_str()) == 0) {
+    if (!error && ::rename(side.path.c_str(), target.c_str()) == 0) {
         if (flush == Flush::Yes)
-            FlushToDisc(FolderOf(file));
+            FlushToDisc(FolderOf(target));
         return {};
     }
     const int reason = errno;
     ::unlink(side.path.c_str());
-    return error ? error : WithoutNewFile(reason, file, bytes, old);
+    return error ? error : WithoutNewFile(reason, target, bytes, old);
 }
 
 std::optional<FileError> MakePrivateFolder(fs::path& folder) {

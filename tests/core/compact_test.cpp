@@ -3,6 +3,7 @@
 #include "support/disc_builder.h"
 #include "support/disc_test.h"
 
+#include <algorithm>
 #include <gmock/gmock.h>
 
 namespace quoravel {
@@ -13,13 +14,12 @@ using testing::Pair;
 
 constexpr int kDrive1 = 204800;
 
-class Compaction : public DiscTest {
-  protected:
-    void CompactDrive(int drive) {
-        Module1::cur_drive = drive;
-        Compact(drive);
-    }
-};
+class Compaction : public DiscTest {};
+
+void CompactDrive(int drive) {
+    Module1::cur_drive = drive;
+    Compact(drive);
+}
 
 /// Names and start sectors of all files, in catalogue order.
 std::vector<std::pair<std::string, int>> Places(int drive) {
@@ -91,7 +91,8 @@ TEST_F(Compaction, AWatfordDiscFillsItsFirstCatalogueFromItsSecond) {
         EXPECT_EQ(Module1::DiscImg.Byte(261), 8 * r.first_after);
         EXPECT_EQ(Module1::DiscImg.Byte(773), 8 * r.second_after);
         auto found = Places(0);
-        std::ranges::rotate(found, found.begin() + r.first_after); // the second lies above
+        std::rotate(found.begin(), found.begin() + r.first_after,
+                    found.end()); // the second lies above
         EXPECT_EQ(found, expected);
         for (int slot = r.second_after; slot < r.second; ++slot)
             EXPECT_EQ(BlockText(520 + 8 * slot, 8) + BlockText(776 + 8 * slot, 8),

@@ -8,6 +8,7 @@
 #include "support/disc_test.h"
 #include "support/temp_folder.h"
 
+#include <algorithm>
 #include <bitset>
 #include <random>
 
@@ -15,7 +16,7 @@ namespace quoravel {
 namespace {
 
 constexpr int kDiscs = 3000;
-constexpr int kDriveSize = 204800;
+constexpr std::int64_t kDriveSize = 204800;
 constexpr int kCatalogueSize = 1024; ///< both catalogues of a drive
 
 class DamagedDiscs : public DiscTest {

@@ -3,6 +3,7 @@
 #include "support/disc_test.h"
 #include "support/temp_folder.h"
 
+#include <algorithm>
 #include <csignal>
 #include <gmock/gmock.h>
 #include <optional>
@@ -17,7 +18,6 @@ namespace fs = std::filesystem;
 using Bytes = std::vector<std::uint8_t>;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 constexpr uid_t kNobody = 65534;
 

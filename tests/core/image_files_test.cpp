@@ -3,14 +3,16 @@
 #include "support/disc_test.h"
 #include "support/temp_folder.h"
 
+#include <algorithm>
 #include <gmock/gmock.h>
 
 namespace quoravel {
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
-using testing::ElementsAreArray;
+using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::Pair;
 
 constexpr int kSide = 204800;
 constexpr int kTrack = 2560;
@@ -34,7 +36,7 @@ class ImageFiles : public DiscTest {
 
 /// Two blank plain drives of 80 tracks, as they stand in the block before a file comes in.
 Bytes BlankBlock() {
-    Bytes block(2 * kSide);
+    Bytes block(kDiscBytes);
     for (const std::size_t side : {0, kSide}) {
         block[side + 262] = 3;
         block[side + 263] = 32;
@@ -85,8 +87,7 @@ TEST_F(ImageFiles, ABlankDriveHoldsOnlyItsSectorCountAndMarker) {
                 start[774] = r.high;
                 start[775] = r.low;
             }
-            EXPECT_THAT(FreeRegions(drive),
-                        testing::ElementsAre(testing::Pair(r.watford ? 4 : 2, r.free)));
+            EXPECT_THAT(FreeRegions(drive), ElementsAre(Pair(r.watford ? 4 : 2, r.free)));
         }
         EXPECT_EQ(BlockBytes(), expected) << "what lies behind 40 tracks stays";
         EXPECT_FALSE(Module1::gDirty);
@@ -120,7 +121,7 @@ TEST_F(ImageFiles, AnInterleavedFileOfAnyLengthGoesInByWholeSectors) {
         for (int sector = 0; sector < std::min(length / 256, 1600); ++sector) {
             const int track = sector / 10;
             const int to = track % 2 * kSide + track / 2 * kTrack + sector % 10 * 256;
-            std::copy_n(file.begin() + sector * 256, 256, expected.begin() + to);
+            std::copy_n(file.begin() + std::ptrdiff_t{sector} * 256, 256, expected.begin() + to);
         }
         EXPECT_EQ(BlockBytes(), expected);
         EXPECT_FALSE(Module1::gDirty);
@@ -132,13 +133,13 @@ TEST_F(ImageFiles, LoadingRebuildsTheFreeSpaceOfBothDrives) {
     side[262] = 1;
     side[263] = 144;
     ASSERT_FALSE(LoadDisc_SSD(folder.File("a.ssd", side)));
-    EXPECT_THAT(FreeRegions(0), testing::ElementsAre(testing::Pair(2, 398)));
-    EXPECT_THAT(FreeRegions(1), testing::ElementsAre(testing::Pair(2, 798)));
+    EXPECT_THAT(FreeRegions(0), ElementsAre(Pair(2, 398)));
+    EXPECT_THAT(FreeRegions(1), ElementsAre(Pair(2, 798)));
     side.insert(side.begin(), kTrack, 0);
-    side.resize(2 * kTrack);
+    side.resize(side.size() + kTrack);
     ASSERT_FALSE(LoadDisc_DSD(folder.File("a.dsd", side)));
     EXPECT_THAT(FreeRegions(0), IsEmpty()) << "its catalogue claims no sectors";
-    EXPECT_THAT(FreeRegions(1), testing::ElementsAre(testing::Pair(2, 398)));
+    EXPECT_THAT(FreeRegions(1), ElementsAre(Pair(2, 398)));
 }
 
 TEST_F(ImageFiles, AFailedLoadChangesNothing) {
@@ -164,7 +165,7 @@ TEST_F(ImageFiles, AnInterleavedFileHoldsTheTracksOfBothSidesInTurn) {
     ASSERT_EQ(saved.size(), 409600U);
     for (const int track : {0, 1, 40, 79})
         for (const int side : {0, 1}) {
-            const auto begin = saved.begin() + (2 * track + side) * kTrack;
+            const auto begin = saved.begin() + std::ptrdiff_t{2 * track + side} * kTrack;
             EXPECT_EQ(Bytes(begin, begin + kTrack),
                       BlockBytes(side * kSide + track * kTrack, kTrack));
         }

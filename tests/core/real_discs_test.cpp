@@ -6,6 +6,7 @@
 #include "support/disc_test.h"
 #include "support/temp_folder.h"
 
+#include <algorithm>
 #include <filesystem>
 
 // Discs written by the genuine system of a BBC Micro, and what that machine itself says of them.
@@ -153,7 +154,7 @@ TEST_F(RealDiscs, CompactAsTheMachineCompactsThem) {
     constexpr int kEndOfD = 8 * 256 + 1; // D.D, one byte, in sector 8
     auto expected = BytesOf(RealDisc("demo-gaps-compacted.ssd"));
     const auto used = static_cast<int>(expected.size());
-    std::copy(before.begin() + kEndOfD, before.begin() + 9 * 256, expected.begin() + kEndOfD);
+    std::copy_n(before.begin() + kEndOfD, 255, expected.begin() + kEndOfD);
     EXPECT_TRUE(BlockBytes(0, used) == expected);
     EXPECT_EQ(GetSectorsUsed(0), used / 256 - 1);
     EXPECT_EQ(FreeRegions(0), (std::vector{std::pair{0x11, 0x30F}}));
