@@ -147,7 +147,7 @@ TEST_F(Disassembler, WhatStartsWithCrAndEndsWith255IsTakenForBasic) {
 
 TEST_F(Disassembler, TheEndFollowsTheCurrentDrive) {
     Module1::DiscImg.Fill(0, kDiscBytes, 0xAD); // three bytes each
-    desktop.now = std::chrono::hours(1); // the last pump was long ago
+    desktop.now = std::chrono::hours(1);        // the last pump was long ago
     desktop.on_pump = [] { Module1::cur_drive = 1 - Module1::cur_drive; };
     EXPECT_EQ(Disassembly(0, 10).size(), (kDriveBytes + 10U) / 3 + 1);
     desktop.now += std::chrono::hours(1);
