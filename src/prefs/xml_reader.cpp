@@ -46,6 +46,7 @@ Value ReadArray(const XmlNode& element) {
 
 /// A dictionary merges into `present`, the one that is stored in its place already, so that loading
 /// over defaults keeps what the file does not name.
+// NOLINTNEXTLINE(misc-no-recursion): no deeper than kDeepestLevel
 Value ReadDict(const XmlNode& element, const Value& present) {
     const auto* stored = std::get_if<DictionaryRef>(&present);
     const DictionaryRef dict =
@@ -74,6 +75,7 @@ constexpr std::array kReadings{
     Reading{"color", [](const XmlNode& e) { return Value(ColourFromText(NodeContents(e))); }},
 };
 
+// NOLINTNEXTLINE(misc-no-recursion): no deeper than kDeepestLevel
 void ReadElement(const XmlNode& element, const Key& key, const Value& store) {
     if (EqualIgnoringCase(element.name(), "dict"))
         return StoreValue(key, ReadDict(element, StorageByKey(store, key)), store);
@@ -110,6 +112,7 @@ std::string NodeContents(const XmlNode& node) {
     return contents;
 }
 
+// NOLINTNEXTLINE(misc-no-recursion): no deeper than kDeepestLevel
 void ParseXML(const XmlNode& node, const Value& store) {
     Key key;
     for (const XmlNode& child : node.children()) {

@@ -31,7 +31,7 @@ class PrefsStore : public testing::Test {
         host_.preferences_folder = folder_.path();
     }
 
-    ~PrefsStore() override { ForgetPrefFile(); }
+    void TearDown() override { ForgetPrefFile(); }
 
     /// What the program does first of all.
     static void Start() {

@@ -205,7 +205,7 @@ TEST_F(XmlDictionary, ElementsAreReadByNameWithoutRegardToCase) {
         {"<integer>-3e9</integer>", INT32_MIN},
         {"<Real>.25</Real>", 0.25},
         {"<string>a<![CDATA[<b>]]>&#99;</string>", "a<b>c"s},
-        {"<string>a<b x='&amp;'>c</b><!-- d --></string>", "a<b x=\"&amp;\">c</b><!-- d -->"s},
+        {"<string>a<b x='&amp;'>c</b><!-- d --></string>", R"(a<b x="&amp;">c</b><!-- d -->)"s},
         {"<string> \n </string>", " \n "s},
         {"<date>yesterday</date>", Value()},
         {"<False>yes</False>", false},
