@@ -3,7 +3,7 @@
 # shellcheck shell=bash disable=SC2034,SC2154
 
 packages_build=(g++ cmake ninja-build libexpat1-dev libpugixml-dev qt6-base-dev)
-packages_tests=(libgtest-dev libgmock-dev libplist-utils)
+packages_tests=(libgtest-dev libgmock-dev libplist-utils poppler-utils)
 packages_checks=(clang libclang-rt-dev clang-format clang-tidy python3)
 packages_wayland=(qt6-wayland)
 packages_virtual_display=(xvfb xauth x11vnc openbox)

@@ -104,8 +104,12 @@ void frmDocument::FileQuit_Action() {
     QApplication::closeAllWindows();
 }
 
+std::string frmDocument::HostName() const {
+    return Latin1ToUtf8(HostFileName(gName));
+}
+
 void frmDocument::FileSaveFile_Action() {
-    const auto file = host().AskSaveFile(FileTypes1::pAny, Latin1ToUtf8(HostFileName(gName)));
+    const auto file = host().AskSaveFile(FileTypes1::pAny, HostName());
     if (!file)
         return;
     // The text goes out with its own line ends, and one of the host's behind it.

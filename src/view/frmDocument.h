@@ -67,6 +67,7 @@ class frmDocument : public QMainWindow, public std::enable_shared_from_this<frmD
     void EditCopy_Action();
     void EditSelectAll_Action();
     void ShowMatch();
+    [[nodiscard]] std::string HostName() const;
 
     std::string_view place_;
     QWidget* content_;

@@ -35,7 +35,7 @@ void frmDocument::FilePrint_Action() {
         width = setup.Width() - kSetupMargin;
         height = setup.Height() - kSetupMargin;
     }
-    const auto graphics = OpenPrinterDialog(PageSetup.empty() ? nullptr : &setup);
+    const auto graphics = OpenPrinterDialog(PageSetup.empty() ? nullptr : &setup, HostName());
     if (!graphics)
         return;
     StyledTextPrinter printer(*rtb_, *graphics, width - kBlockMargin);

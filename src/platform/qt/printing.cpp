@@ -123,8 +123,9 @@ Graphics::Graphics(std::unique_ptr<QPrinter> printer) : printer_(std::move(print
     painter_.translate(QPointF(margins.left(), margins.top()) * DotsPerPoint());
 }
 
-std::unique_ptr<Graphics> OpenPrinterDialog(const PrinterSetup* setup) {
+std::unique_ptr<Graphics> OpenPrinterDialog(const PrinterSetup* setup, std::string_view document) {
     auto printer = WholePaperPrinter(setup != nullptr ? &setup->layout() : nullptr);
+    printer->setDocName(HostText(document));
     if (!Ask(print_dialogs().print, *printer))
         return nullptr;
     const QString target =

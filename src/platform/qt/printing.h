@@ -9,6 +9,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace quoravel {
 
@@ -62,9 +63,11 @@ class Graphics {
     QPainter painter_;
 };
 
-/// Asks for a printer, beginning with `setup` if there is one, and starts a job on it. Nothing
-/// after Cancel, and, behind a box that tells it, if the job cannot be started.
-[[nodiscard]] std::unique_ptr<Graphics> OpenPrinterDialog(const PrinterSetup* setup);
+/// Asks for a printer, beginning with `setup` if there is one, and starts a job on it, which print
+/// queues show as `document` (UTF-8, possibly empty). Nothing after Cancel, and, behind a box that
+/// tells it, if the job cannot be started.
+[[nodiscard]] std::unique_ptr<Graphics> OpenPrinterDialog(const PrinterSetup* setup,
+                                                          std::string_view document);
 
 /// Puts the text of a control on pages, in its font and style, lines broken where `width` ends.
 class StyledTextPrinter {
