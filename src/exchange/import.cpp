@@ -136,9 +136,11 @@ void WriteData(int drive, int sector, std::span<const std::uint8_t> bytes) {
     Module1::DiscImg.Write(at, bytes);
 }
 
-/// The bytes of a file whose length has been asked before.
+/// The bytes of a file whose length has been asked before. A file of none is not opened.
 std::optional<FileError> ReadWhole(const fs::path& file, std::uint64_t length,
                                    std::vector<std::uint8_t>& bytes) {
+    if (length == 0)
+        return {};
     auto error = ReadFile(file, static_cast<std::size_t>(length), bytes);
     if (!error && bytes.size() != length)
         error = FileError{"It changed while it was read"};
