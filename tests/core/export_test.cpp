@@ -1,5 +1,6 @@
 #include "disc/catalogue.h"
 #include "disc/free_space.h"
+#include "disc/image_files.h"
 #include "exchange/drag_folder.h"
 #include "exchange/export.h"
 #include "exchange/import.h"
@@ -149,6 +150,19 @@ TEST_F(Export, WhatGoesOutComesBackAsTheSameEntry) {
     const TempFolder again;
     ExportAll(1, again.path());
     EXPECT_EQ(Contents(again), Contents(folder));
+}
+
+TEST_F(Export, TheFilesOfRealDiscsTravel) {
+    for (const char* image : {"demo-basic.ssd", "demo-code.ssd", "demo-cat.ssd", "demo-gaps.ssd"}) {
+        SCOPED_TRACE(image);
+        const TempFolder there;
+        ASSERT_FALSE(LoadDisc_SSD(fs::path(TEST_DATA) / "discs" / image));
+        bool refused = false;
+        for (const fs::path& file : ExportAll(0, there.path()))
+            refused |= ImportFile(1, file);
+        EXPECT_FALSE(refused);
+        EXPECT_EQ(AllButSectors(1), AllButSectors(0));
+    }
 }
 
 TEST_F(Export, ADragOffersDataAndSidecarOfEachRowInTurn) {

@@ -1,15 +1,14 @@
 #include "disc/image_files.h"
 #include "platform/files.h"
 #include "support/disc_test.h"
+#include "support/host_faults.h"
 #include "support/temp_folder.h"
 
 #include <algorithm>
-#include <csignal>
 #include <gmock/gmock.h>
 #include <optional>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace quoravel {
 namespace {
@@ -18,47 +17,6 @@ namespace fs = std::filesystem;
 using Bytes = std::vector<std::uint8_t>;
 using testing::ElementsAre;
 using testing::HasSubstr;
-
-constexpr uid_t kNobody = 65534;
-
-/// For as long as it lives permissions count, even when the tests run as root.
-class AsNobody {
-  public:
-    AsNobody() { Become(kNobody); }
-
-    ~AsNobody() { Become(0); }
-
-    AsNobody(const AsNobody&) = delete;
-    AsNobody& operator=(const AsNobody&) = delete;
-
-  private:
-    static void Become(uid_t user) {
-        const bool may_change = ::getuid() == 0;
-        EXPECT_TRUE(!may_change || ::seteuid(user) == 0);
-    }
-};
-
-/// A disc that is full behind the first `bytes` of every file.
-class FullDisc {
-  public:
-    explicit FullDisc(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
-        EXPECT_EQ(::getrlimit(RLIMIT_FSIZE, &before_), 0);
-        const rlimit limit{bytes, before_.rlim_max};
-        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
-    }
-
-    ~FullDisc() {
-        ::setrlimit(RLIMIT_FSIZE, &before_);
-        std::signal(SIGXFSZ, handler_);
-    }
-
-    FullDisc(const FullDisc&) = delete;
-    FullDisc& operator=(const FullDisc&) = delete;
-
-  private:
-    void (*handler_)(int);
-    rlimit before_{};
-};
 
 struct stat StatusOf(const fs::path& file) {
     struct stat status {};
