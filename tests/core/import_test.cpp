@@ -17,7 +17,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::IsEmpty;
 
 constexpr int kCycle = 260;
