@@ -47,7 +47,11 @@ class BenchHost : public Host {
 
     std::optional<std::filesystem::path> StateFolder() override { return {}; }
 
+    void StartDialogsIn(const std::filesystem::path& /*folder*/) override {}
+
     void Quit() override {}
+
+    [[nodiscard]] bool IsQuitting() const override { return false; }
 
     void OpenLink(std::string_view /*url*/,
                   std::function<void(int, const std::string&)> /*done*/) override {}

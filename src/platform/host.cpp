@@ -23,7 +23,8 @@ Host& host() {
 
 void InstallHost(Host* the_host) {
     installed = the_host;
-    last_pump = {};
+    if (installed != nullptr)
+        last_pump = installed->Now(); // nothing is due yet
 }
 
 void Yield() {

@@ -39,6 +39,9 @@ class Host {
     /// A clock that only goes forward, from an arbitrary start.
     [[nodiscard]] virtual std::chrono::nanoseconds Now() = 0;
 
+    /// Lets the next file dialog start in `folder`.
+    virtual void StartDialogsIn(const std::filesystem::path& folder) = 0;
+
     /// The chosen file, or nothing after Cancel.
     [[nodiscard]] virtual std::optional<std::filesystem::path>
     AskOpenFile(const FileType& filter) = 0;
@@ -60,6 +63,9 @@ class Host {
     /// Ends the program: the event loop returns, and every wait unwinds by AppQuitting at its next
     /// pump.
     virtual void Quit() = 0;
+
+    /// True from Quit on.
+    [[nodiscard]] virtual bool IsQuitting() const = 0;
 
     /// Opens a web or mail link with the desktop's own program. `done` gets the exit code of the
     /// desktop's opener (0 is success) and what it printed; it may be called after this returns.

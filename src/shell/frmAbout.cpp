@@ -44,8 +44,16 @@ frmAbout::frmAbout(QWidget* parent) : QDialog(parent) {
     name.setFont(large);
     AddLine<QLabel>(*this, "StaticText2", "For the floppy discs of the BBC Microcomputer", 64);
     AddLine<QLabel>(*this, "lblVersion", "Version", 92).setText(QStringLiteral("2.0.0"));
+    // Only the words react, not the whole width of the window.
+    const auto shrink = [](QWidget& link) {
+        const QPoint middle = link.geometry().center();
+        link.adjustSize();
+        link.move(middle - link.rect().center());
+    };
     LinkLabel& mail = AddLine<LinkLabel>(*this, "StaticText11", kMail, 128);
     LinkLabel& web = AddLine<LinkLabel>(*this, "StaticText12", kWeb, 156);
+    shrink(mail);
+    shrink(web);
     Connect(&mail, &LinkLabel::MouseDown, this, [this] { OpenLink(kMailLink); });
     Connect(&web, &LinkLabel::MouseDown, this, [this] { OpenLink(kWeb); });
 

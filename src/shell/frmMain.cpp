@@ -45,7 +45,7 @@ frmMain::frmMain()
       menu_(*menuBar(), frmMainMenu) {
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(QStringLiteral("Quoravel"));
-    setMinimumSize(kLeastWindowSize, kLeastWindowSize);
+    setMinimumSize(kLeastWidth, kLeastWindowSize); // so that no width under it ever comes
     setMaximumSize(kLargestWindowSize, kLargestWindowSize);
     menuBar()->setObjectName(QStringLiteral("frmMainMenu"));
     setCentralWidget(content_);
@@ -108,19 +108,20 @@ void frmMain::Event_Open() {
     show();
     Module1::Init();
     DiscNew80DSD();
-    Module1::cur_drive = 0;
+    SetCurrentDrive(0);
     for (const auto& [item, key] : kOptions)
         menu_.Item(item).setChecked(XMLPreferences::GetPrefBoolean(key, true));
 }
 
 void frmMain::RestorePlace() {
-    const QRect place = StoredPlace("Main", kNewSize);
-    const int width = std::max(place.width(), kLeastStartWidth);
+    const QRect place = StoredPlace("Main", kNewSize, kLeastStartWidth);
     move(place.topLeft());
-    resize(width, place.height() + menuBar()->heightForWidth(width));
+    resize(place.width(), place.height() + menuBar()->heightForWidth(place.width()));
 }
 
 bool frmMain::Event_CancelClose() {
+    for (int drive = 0; drive < kDrives; ++drive)
+        lvwDB(drive).CommitEdit(); // a name that was typed is a change to be asked about
     if (Module1::gDirty)
         QuerySaveChanges();
     return false;
@@ -153,15 +154,14 @@ void frmMain::resizeEvent(QResizeEvent* event) {
 }
 
 void frmMain::Event_Resized() {
-    if (width() < kLeastWidth) {
-        resize(kLeastWidth, height()); // comes back here
-        return;
-    }
     SizeControls(IsTwoSided() ? width() / 2 : width());
 }
 
 void frmMain::SetTitleBar() {
-    setWindowTitle(HostText("Quoravel - " + Module1::gsRoot + (Module1::gDirty ? "*" : "")));
+    QString title = HostText("Quoravel - " + Module1::gsRoot + (Module1::gDirty ? "*" : ""));
+    title.replace(QStringLiteral("[*]"),
+                  QStringLiteral("[*][*]")); // a mark of Qt's, doubled to show
+    setWindowTitle(title);
 }
 
 void frmMain::DiscCompactDisc_Action() {

@@ -113,6 +113,7 @@ class frmMain : public QMainWindow, private StatusLine {
 
     void SetMsgText(int drive, std::string_view text) override;
     void SetTitleBar();
+    void SetCurrentDrive(int drive);
     void SetContentWidth(int width);
     void ShowOneSide();
     void ShowBothSides();
@@ -122,6 +123,7 @@ class frmMain : public QMainWindow, private StatusLine {
     [[nodiscard]] bool IsTwoSided() const;
     [[nodiscard]] bool MayOverrideLocks() const;
     [[nodiscard]] ListRow RowOf(int drive, int row) const;
+    [[nodiscard]] std::vector<ListRow> SelectedRows(int drive) const;
     void ViewSelectedFile(ViewTag tag);
     void ForSelectedNames(const std::function<void(const std::string&)>& command);
 

@@ -39,6 +39,7 @@ void frmMain::OpenDisc(const fs::path& file) {
     // same, so that the next refresh shows its name and a plain save goes to it.
     Module1::gsRoot = name;
     Module1::gsFile = file;
+    host().StartDialogsIn(file.parent_path());
     if (form == ImageForm::Interleaved)
         ShowBothSides();
     else if (form == ImageForm::Linear)
@@ -55,6 +56,11 @@ void frmMain::ShowBothSides() {
 }
 
 void frmMain::ShowOneSide() {
+    // Drive 1 is in use only while its list is shown: no command, no edit and no key goes there.
+    lvwDB(1).DeleteAllRows();
+    SetCurrentDrive(0);
+    if (lvwDB(1).hasFocus())
+        lvwDB(0).setFocus();
     lvwDB(1).hide();
     SetContentWidth(lvwDB(0).width());
     SizeControls(width());

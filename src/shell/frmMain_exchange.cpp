@@ -19,6 +19,14 @@ ListRow frmMain::RowOf(int drive, int row) const {
             list.Cell(row, 3), list.Cell(row, 4), list.Cell(row, 5)};
 }
 
+std::vector<ListRow> frmMain::SelectedRows(int drive) const {
+    std::vector<ListRow> rows;
+    for (int row = 0; row < lvwDB(drive).ListCount(); ++row)
+        if (lvwDB(drive).Selected(row))
+            rows.push_back(RowOf(drive, row));
+    return rows;
+}
+
 void frmMain::FileExportFile_Action() {
     if (Module1::mSelectedItem == -1)
         return;
@@ -26,10 +34,9 @@ void frmMain::FileExportFile_Action() {
     if (!folder)
         return;
     const BusyCursor busy;
-    for (int row = 0; row < lvwDB(Module1::cur_drive).ListCount(); ++row) {
-        if (!lvwDB(Module1::cur_drive).Selected(row))
-            continue;
-        if (!ExportRow(RowOf(Module1::cur_drive, row), Module1::cur_drive, *folder))
+    const int drive = Module1::cur_drive; // a click during the export does not change what goes out
+    for (const ListRow& row : SelectedRows(drive)) {
+        if (!ExportRow(row, drive, *folder))
             return;
         Yield();
     }
@@ -37,11 +44,7 @@ void frmMain::FileExportFile_Action() {
 
 std::vector<fs::path> frmMain::lvwDB_DragRow() {
     const BusyCursor busy;
-    std::vector<ListRow> rows;
-    for (int row = 0; row < lvwDB(Module1::cur_drive).ListCount(); ++row)
-        if (lvwDB(Module1::cur_drive).Selected(row))
-            rows.push_back(RowOf(Module1::cur_drive, row));
-    return dragged_.Export(rows, Module1::cur_drive);
+    return dragged_.Export(SelectedRows(Module1::cur_drive), Module1::cur_drive);
 }
 
 void frmMain::lvwDB_DropObject(int drive, const std::vector<fs::path>& files) {

@@ -61,10 +61,16 @@ void frmMain::FileRenameFile_Action() {
     Module1::gOldString = list.Cell(Module1::mSelectedItem, 0);
     if (!list.EditCell(Module1::mSelectedItem, 0))
         return; // a row of the list that was left: there is nothing to wait for
+    const int edited = Module1::cur_drive;
     Module1::gDone = false;
     while (!Module1::gDone)
         host().DoEvents(kWaitStep);
-    GetRootTitles(Module1::cur_drive);
+    // A click in the other list may have ended the edit. What was typed must not stay in the cell.
+    const int current = Module1::cur_drive;
+    if (edited != current)
+        GetRootTitles(edited);
+    SetCurrentDrive(current);
+    GetRootTitles(current);
 }
 
 void frmMain::lvwDB_CellAction(int drive, int row, int column) {
@@ -80,24 +86,28 @@ void frmMain::lvwDB_CellKeyDown(int key) {
 }
 
 bool frmMain::FileSetFileAddresses_Action() {
-    if (Module1::mSelectedItem < 0)
-        return false;
-    Listbox& list = lvwDB(Module1::cur_drive);
+    const int drive = Module1::cur_drive;
     const int row = Module1::mSelectedItem;
+    Listbox& list = lvwDB(drive);
+    if (row < 0 || row >= list.ListCount())
+        return false;
     const std::string name = list.Cell(row, 0);
     Module1::a_load = list.Cell(row, 2);
     Module1::a_exec = list.Cell(row, 3);
     ShowModal<frmAddr>(this);
     if (!Module1::a_change)
         return false;
+    SetCurrentDrive(drive); // the refresh after a drop may have moved it while the dialog stood
     SetFileAttr(name, Module1::a_load, Module1::a_exec);
-    const int pos = GetPos(Module1::cur_drive, name);
+    const int pos = GetPos(drive, name);
     if (pos == -1)
         return true;
-    const int info = GetDirOffset(Module1::cur_drive, pos) + kInfoDistance;
-    list.SetCell(row, 2, GetLoad(info));
-    list.SetCell(row, 3, GetExec(info));
-    ShowFree(Module1::cur_drive); // the title bar gets its star at the next refresh
+    const int info = GetDirOffset(drive, pos) + kInfoDistance;
+    if (list.Cell(row, 0) == name) {
+        list.SetCell(row, 2, GetLoad(info));
+        list.SetCell(row, 3, GetExec(info));
+    }
+    ShowFree(drive); // the title bar gets its star at the next refresh
     return false;
 }
 

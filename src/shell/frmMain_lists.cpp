@@ -51,7 +51,10 @@ void frmMain::ConnectList(Listbox& list, int drive) {
         lvwDB_GotFocus(drive);
         FileSelectAll_Action();
     });
-    Connect(&list, &Listbox::RenameRequested, this, [this] { FileRenameFile_Action(); });
+    Connect(&list, &Listbox::RenameRequested, this, [this, drive](int row) {
+        lvwDB_CellClick(drive, row);
+        FileRenameFile_Action();
+    });
     Connect(&list, &Listbox::CellAction, this,
             [this, drive](int row, int column) { lvwDB_CellAction(drive, row, column); });
     Connect(&list, &Listbox::CellKeyDown, this,
@@ -101,8 +104,10 @@ void frmMain::GetRootTitles(int drive) {
     ShowFree(drive);
     if (list.ListCount() > 0) {
         list.SelectOnly(0);
-        Module1::cur_drive = drive;
+        SetCurrentDrive(drive);
         Module1::mSelectedItem = 0;
+        if (lvwDB(1 - drive).hasFocus())
+            list.setFocus(); // the keyboard goes where the commands go
     }
 }
 
@@ -119,13 +124,19 @@ void frmMain::SizeControls(int width) {
         place(panes_[1], width);
 }
 
-void frmMain::lvwDB_GotFocus(int drive) {
+void frmMain::SetCurrentDrive(int drive) {
     Module1::cur_drive = drive;
+    for (int i = 0; i < kDrives; ++i)
+        lvwDB(i).SetCurrent(i == drive);
+}
+
+void frmMain::lvwDB_GotFocus(int drive) {
+    SetCurrentDrive(drive);
 }
 
 void frmMain::lvwDB_CellClick(int drive, int row) {
     Module1::mSelectedItem = row;
-    Module1::cur_drive = drive;
+    SetCurrentDrive(drive);
 }
 
 void frmMain::lvwDB_MouseDown(QPoint where) {

@@ -20,8 +20,8 @@ std::string Key(std::string_view prefix, std::string_view part) {
     return std::string(prefix).append(part);
 }
 
-int StoredSize(const std::string& key, int otherwise) {
-    return std::clamp(GetPrefInteger(key, otherwise), kLeastWindowSize, kLargestWindowSize);
+int StoredSize(const std::string& key, int otherwise, int least = kLeastWindowSize) {
+    return std::clamp(GetPrefInteger(key, otherwise), least, kLargestWindowSize);
 }
 
 int StoredPosition(const std::string& key, int otherwise) {
@@ -30,13 +30,13 @@ int StoredPosition(const std::string& key, int otherwise) {
 
 } // namespace
 
-QRect StoredPlace(std::string_view prefix, QSize size) {
+QRect StoredPlace(std::string_view prefix, QSize size, int least_width) {
     const QSize screen = ScreenSize();
     const int left = (screen.width() - size.width()) / 2; // halves go towards zero
     const int top = (screen.height() - size.height()) / 2;
     return InsideSomeScreen({StoredPosition(Key(prefix, "Left"), left),
                              StoredPosition(Key(prefix, "Top"), top),
-                             StoredSize(Key(prefix, "Width"), size.width()),
+                             StoredSize(Key(prefix, "Width"), size.width(), least_width),
                              StoredSize(Key(prefix, "Height"), size.height())});
 }
 

@@ -29,8 +29,9 @@ class ScriptedHost : public Host {
     std::vector<std::string> proposals;
     std::vector<std::string> filters; ///< extensions of each open or save dialog
     std::vector<std::string> links;
-    int pumps = 0; ///< how often DoEvents was called
-    int quits = 0; ///< how often the program was told to end
+    std::filesystem::path dialog_folder; ///< where the next file dialog would start
+    int pumps = 0;                       ///< how often DoEvents was called
+    int quits = 0;                       ///< how often the program was told to end
 
     // Answers to come.
     std::deque<bool> yes_no;
@@ -63,6 +64,11 @@ class ScriptedHost : public Host {
     std::optional<std::filesystem::path> StateFolder() override { return state_folder; }
 
     void Quit() override { ++quits; }
+
+    [[nodiscard]] bool IsQuitting() const override { return false; }
+
+    void StartDialogsIn(const std::filesystem::path& folder) override { dialog_folder = folder; }
+
     void OpenLink(std::string_view url, std::function<void(int, const std::string&)> done) override;
 
     std::chrono::nanoseconds now{0};

@@ -8,6 +8,7 @@
 #include <QDropEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QStyledItemDelegate>
@@ -27,20 +28,28 @@ class Listbox::CellEditor : public QStyledItemDelegate {
         list_.editor_ = QStyledItemDelegate::createEditor(parent, option, index);
         list_.edited_ = index;
         list_.committed_ = false;
+        list_.by_key_ = false;
         return list_.editor_;
     }
 
     void setModelData(QWidget* editor, QAbstractItemModel* model,
                       const QModelIndex& index) const override {
+        // An edit that loses the focus untouched is no commit; Enter and Tab always are.
+        const auto* line = qobject_cast<QLineEdit*>(editor);
+        if (!list_.by_key_ && line != nullptr && !line->isModified())
+            return;
         QStyledItemDelegate::setModelData(editor, model, index);
         list_.committed_ = true;
     }
 
   protected:
     bool eventFilter(QObject* object, QEvent* event) override {
-        if (object == list_.editor_ && event->type() == QEvent::KeyPress)
-            Q_EMIT list_.CellKeyDown(list_.edited_.row(), list_.edited_.column(),
-                                     CharacterOf(*static_cast<QKeyEvent*>(event)));
+        if (object == list_.editor_ && event->type() == QEvent::KeyPress) {
+            const auto& key = *static_cast<QKeyEvent*>(event);
+            list_.by_key_ = key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter ||
+                            key.key() == Qt::Key_Tab || key.key() == Qt::Key_Backtab;
+            Q_EMIT list_.CellKeyDown(list_.edited_.row(), list_.edited_.column(), CharacterOf(key));
+        }
         return QStyledItemDelegate::eventFilter(object, event);
     }
 
@@ -66,6 +75,7 @@ Listbox::Listbox(QWidget* parent) : QTreeWidget(parent) {
     setTextElideMode(Qt::ElideNone);
     header()->setStretchLastSection(false);
     header()->setMinimumSectionSize(1);
+    header()->setContextMenuPolicy(Qt::PreventContextMenu); // the menu is for rows
     header()->setSectionResizeMode(QHeaderView::Fixed);
     header()->setSectionsMovable(false);
     header()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
@@ -95,10 +105,14 @@ void Listbox::PlaceColumns() {
 }
 
 void Listbox::DeleteAllRows() {
-    const bool editing = !editor_.isNull();
+    QWidget* editor = editor_;
     editor_.clear();
-    clear(); // takes an open editor with it and says nothing
-    if (editing)
+    // The keyboard comes back to this list, and nothing is committed: rows that go would take an
+    // open editor with them and say nothing.
+    if (editor != nullptr)
+        QTreeWidget::closeEditor(editor, QAbstractItemDelegate::NoHint);
+    clear();
+    if (editor != nullptr)
         Q_EMIT EditEnded();
 }
 
@@ -127,6 +141,19 @@ bool Listbox::Selected(int row) const {
 void Listbox::SelectOnly(int row) {
     setCurrentItem(topLevelItem(row), 0,
                    QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+}
+
+void Listbox::SetCurrent(bool current) {
+    QPalette colours;
+    if (!current) {
+        for (const auto group : {QPalette::Active, QPalette::Inactive}) {
+            colours.setBrush(group, QPalette::Highlight,
+                             palette().brush(QPalette::Disabled, QPalette::Highlight));
+            colours.setBrush(group, QPalette::HighlightedText,
+                             palette().brush(QPalette::Active, QPalette::HighlightedText));
+        }
+    }
+    setPalette(colours);
 }
 
 bool Listbox::EditCell(int row, int column) {
@@ -200,19 +227,30 @@ void Listbox::focusInEvent(QFocusEvent* event) {
     QTreeWidget::focusInEvent(event);
     // A window that comes back to the front, or a menu that closes, gives back a focus that was
     // never meant to move.
-    if (event->reason() != Qt::ActiveWindowFocusReason && event->reason() != Qt::PopupFocusReason)
+    if (event->reason() != Qt::ActiveWindowFocusReason && event->reason() != Qt::PopupFocusReason &&
+        event->reason() != Qt::MenuBarFocusReason)
         Q_EMIT GotFocus();
 }
 
 void Listbox::mousePressEvent(QMouseEvent* event) {
     const QPoint at = event->position().toPoint();
     const QModelIndex index = indexAt(at);
-    if (!index.isValid()) {
+    pressed_beside_ = !index.isValid();
+    if (pressed_beside_) {
         event->accept();
+        Q_EMIT GotFocus();
         return;
     }
     QTreeWidget::mousePressEvent(event);
     Q_EMIT CellClick(index.row(), index.column(), at.x(), at.y());
+}
+
+/// What began beside the rows is no drag of them; Qt still knows the last row that was pressed.
+void Listbox::mouseMoveEvent(QMouseEvent* event) {
+    if (pressed_beside_)
+        event->accept();
+    else
+        QTreeWidget::mouseMoveEvent(event);
 }
 
 void Listbox::keyPressEvent(QKeyEvent* event) {
@@ -221,7 +259,8 @@ void Listbox::keyPressEvent(QKeyEvent* event) {
         return;
     }
     if (event->key() == Qt::Key_F2 && event->modifiers() == Qt::NoModifier) {
-        Q_EMIT RenameRequested();
+        if (currentIndex().isValid())
+            Q_EMIT RenameRequested(currentIndex().row());
         return;
     }
     const int before = currentIndex().row();
@@ -232,10 +271,14 @@ void Listbox::keyPressEvent(QKeyEvent* event) {
 }
 
 void Listbox::contextMenuEvent(QContextMenuEvent* event) {
-    const bool by_mouse = event->reason() == QContextMenuEvent::Mouse;
-    Q_EMIT ContextualClick(by_mouse
-                               ? event->globalPos()
-                               : viewport()->mapToGlobal(visualItemRect(currentItem()).center()));
+    if (event->reason() == QContextMenuEvent::Mouse) {
+        Q_EMIT ContextualClick(event->globalPos());
+        return;
+    }
+    if (!currentIndex().isValid())
+        return;
+    Q_EMIT RowChange(currentIndex().row()); // the menu is for this list's row, as it is for F2
+    Q_EMIT ContextualClick(viewport()->mapToGlobal(visualRect(currentIndex()).center()));
 }
 
 void Listbox::resizeEvent(QResizeEvent* event) {

@@ -38,6 +38,9 @@ class Listbox : public QTreeWidget {
     /// Makes `row` the only selected one, and the one that the keyboard starts from.
     void SelectOnly(int row);
 
+    /// Shows whether commands act on this list: if not, its selected rows are grey.
+    void SetCurrent(bool current);
+
     /// Opens a cell for editing, its text selected. False if there is no such row.
     bool EditCell(int row, int column);
     [[nodiscard]] bool IsEditing(int row, int column) const;
@@ -49,7 +52,7 @@ class Listbox : public QTreeWidget {
     std::function<std::vector<std::filesystem::path>()> DragRow;
 
   Q_SIGNALS:
-    /// The keyboard now belongs to this list.
+    /// The keyboard now belongs to this list, or the mouse went down in it beside the rows.
     void GotFocus();
     /// A mouse button went down on a cell; x and y in pixels within the list.
     void CellClick(int row, int column, int x, int y);
@@ -57,8 +60,8 @@ class Listbox : public QTreeWidget {
     void RowChange(int row);
     /// Every row is wanted, by the keys that the desktop has for it.
     void SelectAllRequested();
-    /// The current row is to be renamed, by the desktop's key for it.
-    void RenameRequested();
+    /// A row is to be renamed, by the desktop's key for it.
+    void RenameRequested(int row);
     /// An edit was committed and is closed; the cell holds the new text.
     void CellAction(int row, int column);
     /// A key went down in the editor of a cell; its character code, 0 if it has none.
@@ -67,12 +70,13 @@ class Listbox : public QTreeWidget {
     void EditEnded();
     /// Files were dropped here.
     void DropObject(std::vector<std::filesystem::path> files);
-    /// A menu is asked for at a place on the screen.
+    /// A menu for the chosen rows is asked for at a place on the screen.
     void ContextualClick(QPoint where);
 
   protected:
     void focusInEvent(QFocusEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
@@ -90,7 +94,9 @@ class Listbox : public QTreeWidget {
     std::vector<int> percentages_;
     QPointer<QWidget> editor_; ///< of the cell that is being edited
     QPersistentModelIndex edited_;
-    bool committed_ = false; ///< the text of the open editor has gone into its cell
+    bool committed_ = false;      ///< the text of the open editor has gone into its cell
+    bool by_key_ = false;         ///< the open edit is being ended by a key
+    bool pressed_beside_ = false; ///< the mouse went down where there is no row
 };
 
 } // namespace quoravel

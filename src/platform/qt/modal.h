@@ -11,7 +11,8 @@ template<class Dialog, class... Arguments>
 void ShowModal(Arguments&&... arguments) {
     Dialog dialog(std::forward<Arguments>(arguments)...);
     dialog.exec();
-    host().DoEvents(0);
+    if (host().IsQuitting())
+        throw AppQuitting();
 }
 
 } // namespace quoravel

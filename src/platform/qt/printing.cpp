@@ -28,7 +28,8 @@ bool AskPrinter(QPrinter& printer) {
 /// A dialog is a wait: the program may have ended meanwhile.
 bool Ask(const std::function<bool(QPrinter&)>& dialog, QPrinter& printer) {
     const bool agreed = dialog(printer);
-    host().DoEvents(0);
+    if (host().IsQuitting())
+        throw AppQuitting();
     return agreed;
 }
 

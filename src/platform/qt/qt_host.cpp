@@ -44,6 +44,7 @@ int ShowBox(QMessageBox::Icon icon, QMessageBox::StandardButtons buttons, std::s
     QMessageBox box(icon, HostText(title), HostText(text), buttons, QApplication::activeWindow());
     if (title.empty())
         box.setWindowTitle(QStringLiteral("Quoravel"));
+    box.setDefaultButton(QMessageBox::Yes); // of a question: nothing is lost by a hasty Enter
     box.setTextFormat(Qt::PlainText);
     box.setWindowModality(Qt::ApplicationModal);
     QApplication::setOverrideCursor(Qt::ArrowCursor); // a busy cursor would say: do not click
@@ -143,11 +144,12 @@ std::optional<fs::path> QtHost::AskSaveFile(const FileType& filter, std::string_
 }
 
 std::optional<fs::path> QtHost::AskFolder() {
-    const auto folder = PathUnlessCancelled(QFileDialog::getExistingDirectory(
-        QApplication::activeWindow(), {}, PathText(last_folder_)));
+    const fs::path& start = last_chosen_folder_.empty() ? last_folder_ : last_chosen_folder_;
+    const auto folder = PathUnlessCancelled(
+        QFileDialog::getExistingDirectory(QApplication::activeWindow(), {}, PathText(start)));
     UnwindIfQuitting();
     if (folder)
-        last_folder_ = *folder;
+        last_chosen_folder_ = *folder;
     return folder;
 }
 

@@ -11,14 +11,14 @@ class QtHost : public Host {
     QtHost();
     ~QtHost() override;
 
-    /// True from Quit on.
-    [[nodiscard]] bool IsQuitting() const { return quitting_; }
-
     using Host::MsgBox;
     void MsgBox(std::string_view text, std::string_view title) override;
     bool AskYesNo(std::string_view text, std::string_view title) override;
     void DoEvents(int milliseconds) override;
     std::chrono::nanoseconds Now() override;
+
+    void StartDialogsIn(const std::filesystem::path& folder) override { last_folder_ = folder; }
+
     std::optional<std::filesystem::path> AskOpenFile(const FileType& filter) override;
     std::optional<std::filesystem::path> AskSaveFile(const FileType& filter,
                                                      std::string_view proposal) override;
@@ -26,6 +26,9 @@ class QtHost : public Host {
     std::optional<std::filesystem::path> PreferencesFolder() override;
     std::optional<std::filesystem::path> StateFolder() override;
     void Quit() override;
+
+    [[nodiscard]] bool IsQuitting() const override { return quitting_; }
+
     void OpenLink(std::string_view url, std::function<void(int, const std::string&)> done) override;
 
   private:
@@ -34,7 +37,8 @@ class QtHost : public Host {
     std::optional<std::filesystem::path> Chosen(std::optional<std::filesystem::path> choice);
 
     bool quitting_ = false;
-    std::filesystem::path last_folder_; ///< where the last dialog was left; empty at first
+    std::filesystem::path last_folder_; ///< where the last file dialog was left; empty at first
+    std::filesystem::path last_chosen_folder_; ///< the last answer of AskFolder
 };
 
 } // namespace quoravel
