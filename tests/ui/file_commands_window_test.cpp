@@ -130,6 +130,50 @@ TEST_F(FileCommandTest, LosingTheFocusCommitsARename) {
     EXPECT_EQ(Names(0), (Texts{"$.LEFT", "$.TEXT"}));
 }
 
+TEST_F(FileCommandTest, ARenameEndedInTheOtherListLeavesNoTypedTextBehind) {
+    Rename(1, 1, [this](QLineEdit& editor) {
+        QTest::keyClicks(&editor, QStringLiteral("left"));
+        Click(0, 1);
+    });
+    EXPECT_EQ(Names(1), (Texts{"$.left", "$.SIEVE", "$.TEXT"}));
+    EXPECT_EQ(Module1::cur_drive, 0);
+    Rename(1, 0, [this](QLineEdit& editor) {
+        QTest::keyClicks(&editor, QStringLiteral("text"));
+        Click(0, 1);
+    });
+    EXPECT_EQ(Names(1), (Texts{"$.left", "$.SIEVE", "$.TEXT"})) << "refused, so the old name";
+    EXPECT_EQ(desktop.TakeBoxTexts(), Texts{"$.text Already Exists"});
+}
+
+TEST_F(FileCommandTest, AnEditThatLosesTheFocusUntouchedIsNoCommit) {
+    Rename(0, 0, [this](QLineEdit&) { Click(1, 2); });
+    EXPECT_TRUE(desktop.boxes.empty());
+    Rename(0, 0, [](QLineEdit& editor) { QTest::keyClick(&editor, Qt::Key_Return); });
+    EXPECT_EQ(desktop.TakeBoxTexts(), Texts{"$.SIEVE Already Exists"});
+}
+
+TEST_F(FileCommandTest, ANewDiscDuringARenameOnItsHiddenSideRenamesNothing) {
+    Rename(1, 1, [this](QLineEdit& editor) {
+        QTest::keyClicks(&editor, QStringLiteral("GHOST"));
+        Choose("NewDiscImageTrackSSD200Kssd");
+    });
+    EXPECT_EQ(Title(), "Quoravel - NewDisc.ssd");
+    EXPECT_EQ(Module1::cur_drive, 0);
+    EXPECT_EQ(GetPos(1, "$.GHOST"), -1);
+    EXPECT_TRUE(List(0).hasFocus());
+}
+
+TEST_F(FileCommandTest, ANameThatWasTypedIsAskedAboutWhenTheWindowCloses) {
+    desktop.yes_no = {true};
+    Rename(0, 0, [this](QLineEdit& editor) {
+        QTest::keyClicks(&editor, QStringLiteral("LAST"));
+        window->close();
+    });
+    EXPECT_EQ(desktop.questions.size(), 1U);
+    const std::string saved = TextOf(folder.path() / "demo-dual.dsd");
+    EXPECT_NE(saved.find("LAST   $"), std::string::npos);
+}
+
 TEST_F(FileCommandTest, EscapeAndAClearedEditRenameNothing) {
     const auto before = CycleNumber(0);
     Rename(0, 0, [](QLineEdit& editor) {
@@ -171,6 +215,27 @@ TEST_F(FileCommandTest, F2RenamesAndDeleteDeletesNothing) {
     });
     QTest::keyClick(&List(0), Qt::Key_F2);
     EXPECT_EQ(Names(0), (Texts{"$.F2", "$.SIEVE"}));
+}
+
+TEST_F(FileCommandTest, F2AndTheMenuKeyAreForTheRowOfTheListThatHasTheKeyboard) {
+    Click(0, 1);
+    List(1).setFocus(Qt::TabFocusReason); // leaves the row number as it was
+    QTest::keyClick(&List(1), Qt::Key_End);
+    Module1::cur_drive = 0;
+    Module1::mSelectedItem = 0;
+    QTimer::singleShot(0, window.get(), [this] {
+        ASSERT_NE(Editor(1), nullptr);
+        QTest::keyClick(Editor(1), Qt::Key_Escape);
+    });
+    QTest::keyClick(&List(1), Qt::Key_F2);
+    EXPECT_EQ(Module1::gOldString, "$.TEXT");
+    EXPECT_EQ(Module1::cur_drive, 1);
+
+    Module1::cur_drive = 0;
+    QContextMenuEvent key(QContextMenuEvent::Keyboard, QPoint(), QPoint());
+    QCoreApplication::sendEvent(List(1).viewport(), &key);
+    EXPECT_EQ(Module1::cur_drive, 1);
+    window->findChild<QMenu*>(QStringLiteral("FileMenu"))->hide();
 }
 
 TEST_F(FileCommandTest, ACommandDuringARenameRunsInsideItAndEndsIt) {

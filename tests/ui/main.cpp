@@ -1,11 +1,10 @@
-#include <QApplication>
+#include "platform/qt/application.h"
 
 #include <gmock/gmock.h>
 
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     testing::InitGoogleMock(&argc, argv);
-    QApplication app(argc, argv);
-    QApplication::setQuitOnLastWindowClosed(false);
+    const quoravel::App app(argc, argv);
     return RUN_ALL_TESTS();
 }

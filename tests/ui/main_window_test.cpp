@@ -3,6 +3,7 @@
 #include "disc/catalogue.h"
 #include "prefs/xml_preferences.h"
 
+#include <QApplication>
 #include <QGuiApplication>
 #include <QScreen>
 
@@ -151,6 +152,19 @@ TEST_F(MainWindowTest, ASaveAfterNewGoesToTheFileOpenedBefore_Meant) {
     EXPECT_EQ(BytesOf(disc)[2560], 0) << "the blank disc is in the file";
 }
 
+TEST_F(MainWindowTest, ASaveWithoutAFileAsksForOneAndCancelChangesNothing) {
+    desktop.files.emplace_back(); // Cancel
+    Choose("DiscSaveDiscImage");
+    EXPECT_TRUE(Module1::gsFile.empty());
+    const fs::path disc = CopyOfDisc("demo-basic.ssd");
+    window->OpenDisc(disc);
+    EXPECT_EQ(desktop.dialog_folder, folder.path()) << "where the next dialog starts";
+    desktop.files.emplace_back();
+    Choose("DiscSaveDiscImageAs");
+    EXPECT_EQ(Module1::gsFile, disc);
+    EXPECT_EQ(Title(), "Quoravel - demo-basic.ssd");
+}
+
 TEST_F(MainWindowTest, AFailedSaveIsToldAndLeavesEverythingAsItWas) {
     const fs::path disc = CopyOfDisc("demo-dual.dsd");
     window->OpenDisc(disc);
@@ -266,6 +280,46 @@ TEST_F(SelectionTest, AClickBesideTheRowsLeavesTheSelection) {
     QTest::mouseClick(List(1).viewport(), Qt::LeftButton, {}, QPoint(50, 400));
     EXPECT_EQ(SelectedRows(1), std::vector<int>{1});
     EXPECT_EQ(Module1::mSelectedItem, 1);
+}
+
+TEST_F(SelectionTest, APressBesideTheRowsDragsNothingAndChoosesTheDrive) {
+    Click(1, 1);
+    bool dragged = false;
+    List(1).DragRow = [&] {
+        dragged = true;
+        return std::vector<fs::path>();
+    };
+    Module1::cur_drive = 0;
+    QWidget& area = *List(1).viewport();
+    QTest::mousePress(&area, Qt::LeftButton, {}, QPoint(50, 300));
+    for (const int x : {90, 130, 170}) {
+        QMouseEvent move(QEvent::MouseMove, QPointF(x, 340), area.mapToGlobal(QPointF(x, 340)),
+                         Qt::NoButton, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(&area, &move);
+    }
+    QTest::mouseRelease(&area, Qt::LeftButton, {}, QPoint(170, 340));
+    EXPECT_FALSE(dragged);
+    EXPECT_EQ(SelectedRows(1), std::vector<int>{1});
+    EXPECT_EQ(Module1::cur_drive, 1);
+}
+
+TEST_F(SelectionTest, TheKeyboardGoesWhereTheCommandsGo) {
+    Click(1, 1);
+    window->GetRootTitles(1);
+    EXPECT_TRUE(List(1).hasFocus());
+    window->GetRootTitles(0);
+    EXPECT_TRUE(List(0).hasFocus());
+    EXPECT_NE(List(0).palette().color(QPalette::Active, QPalette::Highlight),
+              List(1).palette().color(QPalette::Active, QPalette::Highlight))
+        << "the selection of the other list is grey";
+}
+
+TEST_F(SelectionTest, AOneSidedDiscTakesTheCommandsToDrive0InAnInactiveWindowToo) {
+    Click(1, 1);
+    QApplication::setActiveWindow(nullptr);
+    Choose("NewDiscImageTrackSSD200Kssd");
+    EXPECT_EQ(Module1::cur_drive, 0);
+    EXPECT_EQ(List(1).ListCount(), 0);
 }
 
 TEST_F(SelectionTest, SelectAllTakesEveryRowOfTheCurrentList) {
