@@ -26,11 +26,12 @@ fi
 openbox 2>/dev/null &
 sleep 1
 
-# picture NAME [WINDOW]: the part of the screen that a window, now the main one, takes with its frame.
+# picture NAME [WINDOW]: the part of the screen that a window, or else the main one, takes with its frame.
+# The place that xdotool tells counts the frame twice.
 picture() {
     sleep 0.6
     eval "$(xdotool getwindowgeometry --shell "${2-$main}")"
-    import -window root -crop "$((WIDTH + 4))x$((HEIGHT + 24))+$((X - 2))+$((Y - 20))" +repage \
+    import -window root -crop "$((WIDTH + 4))x$((HEIGHT + 24))+$((X - 3))+$((Y - 40))" +repage \
         "$here/pictures/$1.png"
     pngquant --force --ext .png 32 "$here/pictures/$1.png"
 }
