@@ -19,7 +19,7 @@ constexpr std::array<std::string_view, 4> kOptions{"Off", "Load", "Run", "Exec"}
 
 } // namespace
 
-frmBoot::frmBoot(QWidget* parent) : QDialog(parent), options_{} {
+frmBoot::frmBoot(QWidget* parent) : QDialog(parent) {
     setObjectName(QStringLiteral("frmBoot"));
     setWindowTitle(QStringLiteral("Set Boot Attributes"));
     auto* column = new QVBoxLayout(this);

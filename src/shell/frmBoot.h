@@ -16,7 +16,7 @@ class frmBoot : public QDialog {
   private:
     void cmdOK_Action();
 
-    std::array<QRadioButton*, 4> options_; ///< by the number of the option
+    std::array<QRadioButton*, 4> options_{}; ///< by the number of the option
 };
 
 } // namespace quoravel

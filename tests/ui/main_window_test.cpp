@@ -12,7 +12,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using Box = ScriptedHost::Box;
-using testing::Test;
 
 const Box kSaveQuestion{"Save your changes now ?", "Changes will be lost"};
 
