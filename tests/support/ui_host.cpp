@@ -19,7 +19,8 @@ void UiHost::DoEvents(int milliseconds) {
 }
 
 std::chrono::nanoseconds UiHost::Now() {
-    return std::chrono::steady_clock::now().time_since_epoch();
+    ahead_ += clock_step;
+    return std::chrono::steady_clock::now().time_since_epoch() + ahead_;
 }
 
 void UiHost::Quit() {

@@ -162,6 +162,7 @@ TEST_F(ViewWindowTest, EndingTheProgramClosesItsViewsInTheirPlaces) {
 
 TEST_F(ViewWindowTest, ClosingGoesByKeyAndQuittingClosesTheProgram) {
     View view = Show("DiscViewAsCAT");
+    EXPECT_TRUE(QTest::qWaitForWindowActive(view.get()));
     QTest::keyClick(view.get(), Qt::Key_W, Qt::ControlModifier);
     EXPECT_FALSE(view->isVisible());
     EXPECT_TRUE(window->isVisible());
@@ -169,6 +170,7 @@ TEST_F(ViewWindowTest, ClosingGoesByKeyAndQuittingClosesTheProgram) {
     view = Show("DiscViewAsCAT");
     Module1::gDirty = true;
     desktop.yes_no = {false};
+    EXPECT_TRUE(QTest::qWaitForWindowActive(view.get()));
     QTest::keyClick(view.get(), Qt::Key_Q, Qt::ControlModifier);
     EXPECT_EQ(desktop.quits, 1);
     EXPECT_FALSE(window->isVisible());
@@ -222,13 +224,14 @@ TEST_F(ViewWindowTest, ASaveThatFailsIsTold) {
               std::vector<std::string>{"Cannot save saved.txt: No such file or directory"});
 }
 
-// --- While a view fills. The largest file takes several turns of the event loop.
+// --- While a view fills.
 
 class FillingViewTest : public ViewTest {
   protected:
     void SetUp() override {
         ViewTest::SetUp();
         PutFile(std::string(kLongest, 'x'));
+        desktop.clock_step = std::chrono::microseconds(20);
     }
 
     /// Shows the file as hex and calls `act` once, when part of it is there.

@@ -207,8 +207,10 @@ void EditField::Refresh() {
 }
 
 std::string_view EditField::LineText(const QTextBlock& line) const {
-    const auto start = static_cast<std::size_t>(line.position() + line.blockNumber());
-    return std::string_view(text_).substr(start, static_cast<std::size_t>(line.length() - 1));
+    const int start = line.position() + line.blockNumber();
+    const int length = line.length() - 1; // without the block's end
+    return std::string_view(text_).substr(static_cast<std::size_t>(start),
+                                          static_cast<std::size_t>(length));
 }
 
 void EditField::paintEvent(QPaintEvent* event) {
