@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <array>
 
-namespace quoravel::inline Module2 {
+namespace quoravel {
 
 namespace {
 
@@ -25,6 +25,8 @@ bool FitsInTitle(char c) {
 }
 
 } // namespace
+
+inline namespace Module2 {
 
 std::string GetTitle(int drive) {
     const int start = GetStartSectorOfDrive(drive);
@@ -49,4 +51,6 @@ void SetTitle(int drive, std::string_view text) {
     UpdateSequenceNumber(drive);
 }
 
-} // namespace quoravel::inline Module2
+} // namespace Module2
+
+} // namespace quoravel
