@@ -13,7 +13,7 @@ fi
 
 home=$(mktemp -d)
 trap 'rm -rf "$home"' EXIT
-export HOME=$home XDG_CONFIG_HOME=$home XDG_STATE_HOME=$home # no preferences of the user's
+export HOME=$home XDG_CONFIG_HOME=$home XDG_STATE_HOME=$home XDG_RUNTIME_DIR=$home # nothing of the user's
 
 # Microseconds from start to first paint.
 measure() {
