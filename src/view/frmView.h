@@ -73,7 +73,7 @@ class Views {
 
 namespace Module1 {
 
-inline std::weak_ptr<frmView> gViewForm; ///< the newest view window
+inline std::weak_ptr<frmView> gViewForm; ///< the newest view window, as long as there is one
 
 } // namespace Module1
 
