@@ -12,7 +12,6 @@
 #include "view/disassembler.h"
 #include "view/hex_view.h"
 #include "view/text_view.h"
-#include "view/viewed_file.h"
 #include "view/wordwise/state.h"
 
 #include <QCoreApplication>
