@@ -56,7 +56,7 @@ need_packages() {
 build() {
     local preset=$1 log quiet=()
     shift
-    say "Building $preset"
+    say "Building $preset${*:+: $*}"
     log=$(mktemp) || die "There is no room for a temporary file."
     if ! (cd "$root" && cmake --preset "$preset") >"$log" 2>&1; then
         cat "$log" >&2

@@ -11,7 +11,7 @@ start_virtual_display() {
     display_folder=$(mktemp -d) || die "There is no room for a temporary folder."
     display_processes=()
     trap stop_virtual_display EXIT
-    export XAUTHORITY=$display_folder/Xauthority
+    export XAUTHORITY=$display_folder/Xauthority XDG_RUNTIME_DIR=${XDG_RUNTIME_DIR-$display_folder}
     start_xvfb
     start_x11vnc
     setsid openbox >/dev/null 2>&1 &
