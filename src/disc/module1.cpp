@@ -11,6 +11,7 @@ StatusLine* status_line = nullptr;
 void Init() {
     DiscImg = DiscBlock();
     gTraceWindow = false;
+    RXHead = RXTail = RXLen = 0;
     gTraceFileOpen = false;
     gsFile.clear();
 }

@@ -3,6 +3,7 @@
 #include "disc/disc_block.h"
 
 #include <array>
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -51,6 +52,17 @@ inline bool gDone = false;     ///< the in-place rename has ended
 // Looking for a text, in every window that shows one.
 inline std::string gStr;     ///< what the last confirmed search looked for
 inline bool gDoFind = false; ///< the find dialog was left with OK
+
+// The link.
+inline constexpr int kRingSize = 32768;
+inline std::array<std::uint8_t, kRingSize> RXBuff{}; ///< ring of received bytes
+inline int RXHead = 0;                               ///< index in RXBuff of the next byte to read
+inline int RXTail = 0;                               ///< index in RXBuff of the next byte to write
+inline int RXLen = 0;                ///< unread bytes; more than kRingSize if some were overwritten
+inline bool RXTimeout = false;       ///< the timeout of a read has passed
+inline bool TXAbort = false;         ///< the user's Cancel; while set nothing is sent
+inline bool gSerialPortOpen = false; ///< the port is believed open
+inline int gSerialPort = 0; ///< index of the port that the port dialog starts with; always 0
 
 // The trace of the link.
 inline bool gTraceWindow = false;   ///< the trace window is open

@@ -60,6 +60,16 @@ class Host {
     /// made on demand by whoever writes there; nothing if there is none.
     [[nodiscard]] virtual std::optional<std::filesystem::path> StateFolder() = 0;
 
+    /// The folder that holds the program's executable.
+    [[nodiscard]] virtual std::filesystem::path ProgramFolder() = 0;
+
+    /// Starts to play a sound file and returns at once; a beep where no sound can be played.
+    virtual void PlaySound(const std::filesystem::path& file) = 0;
+
+    /// Now, as the user's locale writes a short date and a long time.
+    [[nodiscard]] virtual std::string ShortDate() = 0;
+    [[nodiscard]] virtual std::string LongTime() = 0;
+
     /// Ends the program: the event loop returns, and every wait unwinds by AppQuitting at its next
     /// pump.
     virtual void Quit() = 0;

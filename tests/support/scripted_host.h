@@ -30,8 +30,9 @@ class ScriptedHost : public Host {
     std::vector<std::string> filters; ///< extensions of each open or save dialog
     std::vector<std::string> links;
     std::filesystem::path dialog_folder; ///< where the next file dialog would start
-    int pumps = 0;                       ///< how often DoEvents was called
-    int quits = 0;                       ///< how often the program was told to end
+    std::vector<std::filesystem::path> sounds;
+    int pumps = 0; ///< how often DoEvents was called
+    int quits = 0; ///< how often the program was told to end
 
     // Answers to come.
     std::deque<bool> yes_no;
@@ -39,6 +40,7 @@ class ScriptedHost : public Host {
     std::deque<std::optional<std::filesystem::path>> folders;
     std::optional<std::filesystem::path> preferences_folder;
     std::optional<std::filesystem::path> state_folder;
+    std::filesystem::path program_folder;
     int link_code = 0;
     std::string link_result;
     std::function<void()> on_pump;                ///< runs inside every DoEvents
@@ -62,6 +64,14 @@ class ScriptedHost : public Host {
     std::optional<std::filesystem::path> PreferencesFolder() override { return preferences_folder; }
 
     std::optional<std::filesystem::path> StateFolder() override { return state_folder; }
+
+    std::filesystem::path ProgramFolder() override { return program_folder; }
+
+    void PlaySound(const std::filesystem::path& file) override { sounds.push_back(file); }
+
+    std::string ShortDate() override { return "2026-11-23"; }
+
+    std::string LongTime() override { return "12:34:56"; }
 
     void Quit() override { ++quits; }
 

@@ -4,9 +4,11 @@
 #include "platform/qt/text.h"
 
 #include <QApplication>
+#include <QDateTime>
 #include <QDir>
 #include <QEventLoop>
 #include <QFileDialog>
+#include <QLocale>
 #include <QMessageBox>
 #include <QProcess>
 #include <QStandardPaths>
@@ -168,6 +170,23 @@ std::optional<fs::path> QtHost::StateFolder() {
     if (home.isEmpty())
         return {};
     return PathOfText(home) / ".local" / "state" / "quoravel";
+}
+
+fs::path QtHost::ProgramFolder() {
+    return PathOfText(QCoreApplication::applicationDirPath());
+}
+
+void QtHost::PlaySound(const fs::path& /*file*/) {
+    QApplication::beep();
+}
+
+std::string QtHost::ShortDate() {
+    return Utf8OfHostText(QLocale().toString(QDate::currentDate(), QLocale::ShortFormat));
+}
+
+std::string QtHost::LongTime() {
+    return Utf8OfHostText(
+        QLocale().toString(QDateTime::currentDateTime().time(), QLocale::LongFormat));
 }
 
 void QtHost::Quit() {

@@ -25,6 +25,10 @@ class QtHost : public Host {
     std::optional<std::filesystem::path> AskFolder() override;
     std::optional<std::filesystem::path> PreferencesFolder() override;
     std::optional<std::filesystem::path> StateFolder() override;
+    std::filesystem::path ProgramFolder() override;
+    void PlaySound(const std::filesystem::path& file) override;
+    std::string ShortDate() override;
+    std::string LongTime() override;
     void Quit() override;
 
     [[nodiscard]] bool IsQuitting() const override { return quitting_; }
