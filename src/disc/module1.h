@@ -43,11 +43,16 @@ inline RegionTable FreeSpaceLen{};   ///< [drive][region] length in sectors
 inline std::array<int, kDrives> FreeSpaceNum{}; ///< regions in use on each drive
 
 // The small dialogs and the in-place rename.
-inline std::string a_load;     ///< load address into and out of the address dialog, hex text
-inline std::string a_exec;     ///< exec address, likewise
+inline std::string a_load; ///< load address into and out of the address dialog, hex text; that of
+                           ///< a document to be formatted
+inline std::string a_exec; ///< exec address, likewise
 inline bool a_change = false;  ///< the address dialog was left with OK
 inline std::string gOldString; ///< name of the file under in-place rename
 inline bool gDone = false;     ///< the in-place rename has ended
+
+// The document under formatting.
+inline int gOffset = 0; ///< where it starts in DiscImg
+inline int gSize = 0;   ///< its length in bytes
 
 // Looking for a text, in every window that shows one.
 inline std::string gStr;     ///< what the last confirmed search looked for

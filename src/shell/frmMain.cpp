@@ -1,6 +1,8 @@
 #include "shell/frmMain.h"
 
 #include "disc/compact.h"
+#include "link/ring.h"
+#include "link/serial.h"
 #include "platform/qt/guard.h"
 #include "platform/qt/listbox.h"
 #include "platform/qt/modal.h"
@@ -42,6 +44,8 @@ frmMain::frmMain()
     : content_(new QWidget(this)),
       panes_{},
       tmrRefresh_(new QTimer(this)),
+      Serial1_([] { Serial1_DataAvailable(); }, TraceTrouble),
+      Timer4_([] { Timer4_Action(); }),
       menu_(*menuBar(), frmMainMenu) {
     setObjectName(QStringLiteral("frmMain"));
     setWindowTitle(QStringLiteral("Quoravel"));
@@ -56,10 +60,13 @@ frmMain::frmMain()
     tmrRefresh_->setInterval(kRefreshPeriod);
     Connect(tmrRefresh_, &QTimer::timeout, this, [this] { tmrRefresh_Action(); });
     AddMenuHandlers();
+    AddLinkHandlers();
     Module1::InstallStatusLine(this);
+    InstallLink(&Serial1_, &Timer4_);
 }
 
 frmMain::~frmMain() {
+    InstallLink(nullptr, nullptr);
     Module1::InstallStatusLine(nullptr);
 }
 
@@ -86,6 +93,7 @@ void frmMain::AddMenuHandlers() {
     handle("FileViewAsBasic", &frmMain::FileViewAsBasic_Action);
     handle("FileDisassembleFile", &frmMain::FileDisassembleFile_Action);
     handle("FileViewAsHex", &frmMain::FileViewAsHex_Action);
+    handle("FileViewAsWordwise", &frmMain::FileViewAsWordwise_Action);
     handle("FileSelectAll", &frmMain::FileSelectAll_Action);
     handle("FileLockFile", &frmMain::FileLockFile_Action);
     handle("FileUnlockFile", &frmMain::FileUnlockFile_Action);
@@ -97,8 +105,6 @@ void frmMain::AddMenuHandlers() {
     menu_.Handle("FileQuit", [this] { close(); });
     for (const auto& [item, key] : kOptions)
         menu_.Handle(item, [] {}); // the item flips its own mark; others read it
-    menu_.SetRule("TraceWindow", [] { return !Module1::gTraceWindow; });
-    menu_.SetRule("TraceToFile", [] { return !Module1::gTraceFileOpen; });
 }
 
 void frmMain::Event_Open() {
@@ -109,6 +115,8 @@ void frmMain::Event_Open() {
     Module1::Init();
     DiscNew80DSD();
     SetCurrentDrive(0);
+    Module1::gSerialPort = 0;
+    Serial1_.SetProfile(kTransferProfile); // of the first port, whichever that is when it is opened
     for (const auto& [item, key] : kOptions)
         menu_.Item(item).setChecked(XMLPreferences::GetPrefBoolean(key, true));
 }
@@ -130,10 +138,12 @@ bool frmMain::Event_CancelClose() {
 void frmMain::Event_Close() {
     if (Module1::gDirty)
         QuerySaveChanges();
+    CloseLink();
     StorePlace("Main", *this, content_->size());
     for (const auto& [item, key] : kOptions)
         XMLPreferences::SetPrefBoolean(key, menu_.Item(item).isChecked());
     XMLPreferences::WritePrefFile();
+    CloseLinkWindows();
     views_.CloseAll();
     host().Quit();
 }

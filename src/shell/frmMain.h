@@ -3,14 +3,18 @@
 #include "disc/listing.h"
 #include "disc/module1.h"
 #include "exchange/drag_folder.h"
+#include "link/windows.h"
 #include "platform/qt/menu_bar.h"
+#include "platform/qt/serial_port.h"
 #include "view/frmView.h"
 
 #include <QMainWindow>
+#include <QPointer>
 
 #include <array>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -21,11 +25,12 @@ class QTimer;
 namespace quoravel {
 
 class Listbox;
+class frmTrace;
 
 /// The main window: the start and the end of the program, the catalogues of the loaded disc image
 /// in two lists side by side, the selection that every file command works on, the status line of
 /// each drive. A drive is 0 or 1, and the number of its list.
-class frmMain : public QMainWindow, private StatusLine {
+class frmMain : public QMainWindow, private StatusLine, private TransferDesk {
   public:
     frmMain();
     ~frmMain() override;
@@ -90,6 +95,7 @@ class frmMain : public QMainWindow, private StatusLine {
     void FileViewAsBasic_Action();
     void FileDisassembleFile_Action();
     void FileViewAsHex_Action();
+    void FileViewAsWordwise_Action();
     void DiscViewAsCAT_Action();
     void DiscViewAsEX_Action();
     void DiscViewFreeSpaceMap_Action();
@@ -101,6 +107,18 @@ class frmMain : public QMainWindow, private StatusLine {
     bool FileSetFileAddresses_Action();
     void FileExportFile_Action();
     void HelpAboutQuoravel_Action();
+
+    void AddLinkHandlers();
+    void TavriloSerialPort_Action();
+    void TavriloSendBasicProgram_Action();
+    static void TavriloCli_Action();
+    void TraceWindow_Action();
+    void Receive(int drive, bool single_sided);
+    void Send(int drive, bool single_sided);
+    [[nodiscard]] std::shared_ptr<TransferWindow> NewTransferWindow() override;
+    [[nodiscard]] bool PlaysWave() const override;
+    static void TraceTrouble(const QString& reason);
+    void CloseLinkWindows();
 
     void lvwDB_GotFocus(int drive);
     void lvwDB_CellClick(int drive, int row);
@@ -136,6 +154,10 @@ class frmMain : public QMainWindow, private StatusLine {
     QWidget* content_;
     std::array<Pane, kDrives> panes_;
     QTimer* tmrRefresh_;
+    QtSerial Serial1_;
+    QtTimer Timer4_;
+    QPointer<frmTrace> frmTr_; ///< the trace window while it is open
+    std::weak_ptr<TransferWindow> transfer_;
     DragFolder dragged_;
     Views views_;
     MenuBar menu_;

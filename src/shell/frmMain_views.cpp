@@ -21,6 +21,10 @@ void frmMain::FileViewAsBasic_Action() {
     ViewSelectedFile(kBasicView);
 }
 
+void frmMain::FileViewAsWordwise_Action() {
+    ViewSelectedFile(kWordwiseView);
+}
+
 void frmMain::FileDisassembleFile_Action() {
     ViewSelectedFile(kDisassemblyView);
 }

@@ -47,8 +47,14 @@ class frmDocument : public QMainWindow, public std::enable_shared_from_this<frmD
 
     [[nodiscard]] QWidget& content() const { return *content_; }
 
+    [[nodiscard]] MenuBar& menu() { return menu_; }
+
     /// Makes the text fill the window.
     virtual void Form_Resize();
+
+    // For a window that has something else to copy from as well.
+    virtual void EditCopy_Action();
+    virtual void EditSelectAll_Action();
 
     void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
@@ -64,8 +70,6 @@ class frmDocument : public QMainWindow, public std::enable_shared_from_this<frmD
     void FileQuit_Action();
     void EditFind_Action();
     void EditFindNext_Action();
-    void EditCopy_Action();
-    void EditSelectAll_Action();
     void ShowMatch();
     [[nodiscard]] std::string HostName() const;
 

@@ -12,6 +12,8 @@
 #include "view/disassembler.h"
 #include "view/hex_view.h"
 #include "view/text_view.h"
+#include "view/viewed_file.h"
+#include "view/wordwise/formatter.h"
 #include "view/wordwise/state.h"
 
 #include <QCoreApplication>
@@ -73,6 +75,7 @@ void frmView::Show_File() {
     const BusyCursor busy;
     try {
         RunRenderer();
+        WriteGathered();
     } catch (const ViewClosed&) {
         return;
     }
@@ -85,7 +88,7 @@ void frmView::RunRenderer() {
     static constexpr std::array renderers{
         // by ViewTag
         &frmView::ShowText, &frmView::ShowHex, &frmView::Show_Basic, &frmView::ShowMap,
-        &frmView::ShowCat,  &frmView::ShowEX,  &frmView::ShowDis,
+        &frmView::ShowCat,  &frmView::ShowEX,  &frmView::ShowDis,    &frmView::ShowWordwise,
     };
     if (Tag >= 0 && Tag < std::ssize(renderers))
         (this->*renderers[static_cast<std::size_t>(Tag)])();
@@ -99,11 +102,24 @@ void frmView::ShowData(std::string_view text) {
         Yield(); // so that the window is painted while it fills
     if (IsClosed())
         throw ViewClosed();
+    if (gathered_underline_ != WordWise::Underline || gathered_bold_ != WordWise::DoubleStrike)
+        WriteGathered();
+    gathered_underline_ = WordWise::Underline;
+    gathered_bold_ = WordWise::DoubleStrike;
+    gathered_ += lines;
+    if (lines.size() > 1) // single characters wait for the end of their line, which saves time
+        WriteGathered();
+}
+
+void frmView::WriteGathered() {
+    const std::string text = std::exchange(gathered_, {});
+    if (text.empty())
+        return;
     rtb().SetSelStart(static_cast<int>(rtb().Text().size()));
     rtb().SetSelLength(0);
-    rtb().SetSelUnderline(WordWise::Underline);
-    rtb().SetSelBold(WordWise::DoubleStrike);
-    rtb().SetSelText(lines);
+    rtb().SetSelUnderline(gathered_underline_);
+    rtb().SetSelBold(gathered_bold_);
+    rtb().SetSelText(text);
 }
 
 void frmView::SetTitle(std::string_view title) {
@@ -133,6 +149,21 @@ void frmView::Show_Basic() {
 void frmView::ShowDis() {
     NameAfterFile("Disassemble File - ");
     Disassemble(SectorOf(file_), HexValue(file_.Size), LoadAddressOf(file_), *this);
+}
+
+void frmView::ShowWordwise() {
+    constexpr int kWidening = 50; // long lines shall fit
+    NameAfterFile("View File - ");
+    Module1::gOffset = BaseOf(file_);
+    Module1::gSize = ViewedLength(Module1::gOffset, HexValue(file_.Size));
+    Module1::a_load = file_.Load;
+    Module1::a_exec = file_.Exec;
+    if (!WordWise::IsDocument(Module1::a_load, Module1::a_exec)) {
+        ShowData("This does not appear to be a WordWise Document");
+        return;
+    }
+    resize(width() + kWidening, height());
+    WordWise::FormatDocument(*this);
 }
 
 void frmView::ShowMap() {

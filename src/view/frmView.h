@@ -19,6 +19,7 @@ enum ViewTag {
     kCatView,
     kEXView,
     kDisassemblyView,
+    kWordwiseView,
 };
 
 /// The window that shows a file or the disc as a document. A renderer writes the text once; later
@@ -44,13 +45,19 @@ class frmView : public frmDocument, private ViewSink {
     void ShowCat();
     void ShowEX();
     void ShowDis();
+    void ShowWordwise();
     void RunRenderer();
 
     void ShowData(std::string_view text) override;
+    void WriteGathered();
     void SetTitle(std::string_view title);
     void NameAfterFile(std::string_view what);
 
     ListRow file_;
+
+    std::string gathered_; ///< part of a line that has not gone to the control yet
+    bool gathered_underline_ = false;
+    bool gathered_bold_ = false;
 };
 
 /// The view windows that are open.

@@ -39,6 +39,8 @@ TEST_F(ViewWindowTest, EachCommandOpensItsView) {
              Row{"DiscViewAsEX", "*EX", "", "$.HELLO"},
              Row{"DiscViewFreeSpaceMap", "Free Disc Space Map", "FreeSpace",
                  "Address : Length\r\n"},
+             Row{"FileViewAsWordwise", "View File - $.OPS", "$.OPS",
+                 "This does not appear to be a WordWise Document"},
          }) {
         SCOPED_TRACE(row.item);
         Click(0, static_cast<int>(code - names.begin()));
@@ -50,13 +52,13 @@ TEST_F(ViewWindowTest, EachCommandOpensItsView) {
         EXPECT_FALSE(Text(view).Text().empty());
         view->close();
     }
-    EXPECT_FALSE(Item("FileViewAsWordwise").isEnabled());
 }
 
 TEST_F(ViewWindowTest, WithoutASelectedFileOnlyDiscViewsOpen) {
     ASSERT_EQ(Module1::mSelectedItem, -1);
     for (const char* item :
-         {"FileViewAsText", "FileViewAsHex", "FileViewAsBasic", "FileDisassembleFile"})
+         {"FileViewAsText", "FileViewAsHex", "FileViewAsBasic", "FileDisassembleFile",
+          "FileViewAsWordwise"})
         EXPECT_EQ(Show(item), nullptr) << item;
     for (const char* item : {"DiscViewAsCAT", "DiscViewAsEX", "DiscViewFreeSpaceMap"})
         EXPECT_NE(Show(item), nullptr) << item;
