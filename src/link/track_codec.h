@@ -11,12 +11,12 @@
 
 namespace quoravel {
 
-inline constexpr std::size_t kTrackBytes = 2560;
+inline constexpr std::size_t kTrackLength = 2560;
 
 /// What a packet is expanded into: room for one byte more than a track, so that a packet that is
 /// one too long is told as 2561.
-using TrackBuffer = std::array<std::uint8_t, kTrackBytes + 1>;
-using TrackBytes = std::span<const std::uint8_t, kTrackBytes>;
+using TrackBuffer = std::array<std::uint8_t, kTrackLength + 1>;
+using TrackBytes = std::span<const std::uint8_t, kTrackLength>;
 
 /// Takes `byte` into `crc` (polynomial 00AF, most significant bit first). -1 counts as 255; of both
 /// only the lowest bits matter. A packet starts with 0.

@@ -33,12 +33,6 @@ FileError LastError() {
     return ErrorOf(errno);
 }
 
-/// A path as messages show it, see FileName.
-std::string Utf8Of(const fs::path& path) {
-    const std::string name = path.string();
-    return IsUtf8(name) ? name : Latin1ToUtf8(name);
-}
-
 /// A file descriptor that closes itself.
 class Descriptor {
   public:
@@ -307,6 +301,60 @@ std::optional<FileError> MakePrivateFolder(fs::path& folder) {
         return LastError();
     folder = name;
     return {};
+}
+
+GrowingFile::~GrowingFile() {
+    Close();
+}
+
+std::optional<FileError> GrowingFile::Create(const fs::path& file) {
+    Close();
+    constexpr int kHow = O_WRONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+    fd_ = ::open(file.c_str(), kHow, kNewFile);
+
+    struct stat status {};
+
+    if (fd_ < 0 || ::fstat(fd_, &status) != 0)
+        return LastError();
+    auto error = RefuseUnlessPlain(status);
+    if (!error && ::ftruncate(fd_, 0) != 0)
+        error = LastError();
+    if (error)
+        Close();
+    file_ = file;
+    return error;
+}
+
+std::optional<FileError> GrowingFile::WriteAt(std::uint64_t offset, Bytes bytes) {
+    if (::lseek(fd_, static_cast<off_t>(offset), SEEK_SET) < 0)
+        return LastError();
+    return WriteAll(fd_, bytes);
+}
+
+std::optional<FileError> GrowingFile::Finish() {
+    Descriptor out(std::exchange(fd_, -1));
+    if (::fsync(out.get()) != 0 || !out.Close())
+        return LastError();
+    FlushToDisc(FolderOf(FollowLinks(file_)));
+    return {};
+}
+
+void GrowingFile::Close() {
+    static_cast<void>(Descriptor(std::exchange(fd_, -1)).Close());
+}
+
+std::optional<fs::path> ShippedFile(std::string_view name) {
+    const fs::path folder = host().ProgramFolder();
+    std::error_code error;
+    for (const fs::path& file : {folder / name, folder / "../share/quoravel" / name})
+        if (fs::exists(file, error))
+            return file;
+    return {};
+}
+
+std::string Utf8Of(const fs::path& path) {
+    const std::string name = path.string();
+    return IsUtf8(name) ? name : Latin1ToUtf8(name);
 }
 
 std::string FileName(const fs::path& file) {

@@ -6,6 +6,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace quoravel {
@@ -41,9 +42,42 @@ enum class Flush { Yes, No };
                                                    std::span<const std::uint8_t> bytes,
                                                    Flush flush = Flush::Yes);
 
+/// A file that comes to be piece by piece and bears its name meanwhile. Closed when it goes.
+class GrowingFile {
+  public:
+    GrowingFile() = default;
+    GrowingFile(const GrowingFile&) = delete;
+    GrowingFile& operator=(const GrowingFile&) = delete;
+    ~GrowingFile();
+
+    /// Makes `file`, empty, and opens it; what it held before is gone. Closes the one before.
+    [[nodiscard]] std::optional<FileError> Create(const std::filesystem::path& file);
+
+    /// Puts all of `bytes` at `offset`. After an error a part of them may be there.
+    [[nodiscard]] std::optional<FileError> WriteAt(std::uint64_t offset,
+                                                   std::span<const std::uint8_t> bytes);
+
+    /// Closes the file once its bytes lie on the disc. After an error it is closed too.
+    [[nodiscard]] std::optional<FileError> Finish();
+
+    /// Closes the file without waiting for the disc.
+    void Close();
+
+  private:
+    int fd_ = -1;
+    std::filesystem::path file_;
+};
+
 /// Makes a new folder in the host's temporary folder that this user alone can enter. Its name
 /// starts with "quoravel-".
 [[nodiscard]] std::optional<FileError> MakePrivateFolder(std::filesystem::path& folder);
+
+/// Where the file `name` that comes with the program lies: beside the executable, or in the data
+/// folder of an installed package (../share/quoravel). Nothing if it is in neither.
+[[nodiscard]] std::optional<std::filesystem::path> ShippedFile(std::string_view name);
+
+/// `file` in UTF-8, as FileName gives its last part.
+[[nodiscard]] std::string Utf8Of(const std::filesystem::path& file);
 
 /// The last part of `file` in UTF-8, as titles and messages show it. Bytes that are not UTF-8 are
 /// shown as the Latin-1 characters that they would be.

@@ -103,6 +103,13 @@ std::string LowBytesOfUtf8(std::string_view text) {
     return bytes;
 }
 
+std::string AddLineFeeds(std::string_view text) {
+    std::string with;
+    for (const char c : text)
+        with.append(c == '\r' ? "\r\n" : std::string_view(&c, 1));
+    return with;
+}
+
 std::string Latin1ToUtf8(std::string_view text) {
     std::string utf8;
     utf8.reserve(text.size());

@@ -33,6 +33,9 @@ namespace quoravel {
 /// UTF-8 count as themselves.
 [[nodiscard]] std::string LowBytesOfUtf8(std::string_view text);
 
+/// `text` with a LF behind each CR.
+[[nodiscard]] std::string AddLineFeeds(std::string_view text);
+
 /// Each byte as the Latin-1 character that it is, in UTF-8.
 [[nodiscard]] std::string Latin1ToUtf8(std::string_view text);
 
