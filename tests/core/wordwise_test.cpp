@@ -1,58 +1,19 @@
+#include "support/wordwise_test.h"
+
 #include "disc/catalogue.h"
-#include "support/disc_builder.h"
-#include "support/disc_test.h"
 #include "support/golden_pages.h"
-#include "support/temp_folder.h"
-#include "support/wordwise_documents.h"
-#include "view/wordwise/formatter.h"
-#include "view/wordwise/state.h"
 
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <iterator>
+#include <utility>
 
 namespace quoravel {
 namespace {
 
 using testing::ElementsAre;
 using testing::StartsWith;
-
-class WordWiseTest : public DiscTest {
-  protected:
-    /// What comes of a document, in the notation of StyledSink. It lies on the second drive.
-    std::string Format(std::string_view written) {
-        const std::string bytes = Document(written);
-        Module1::gOffset = kDriveBytes + 512;
-        Module1::gSize = static_cast<int>(bytes.size());
-        DiscBuilder(1).Byte(512 + Module1::gSize, 'X').Data(2, bytes);
-        return Format();
-    }
-
-    std::string Format() {
-        StyledSink sink;
-        WordWise::FormatDocument(sink);
-        return sink.text;
-    }
-
-    struct Row {
-        const char* what;
-        std::string document;
-        std::string text;
-    };
-
-    void Expect(const std::vector<Row>& rows) {
-        for (const Row& r : rows) {
-            SCOPED_TRACE(r.what);
-            EXPECT_EQ(Format(r.document), r.text);
-        }
-    }
-
-    /// `text` in the middle of 70 columns.
-    static std::string Centred(const std::string& text) {
-        return std::string((70 - text.size()) / 2, ' ') + text;
-    }
-};
 
 // --- The demonstration disc.
 
@@ -113,6 +74,155 @@ TEST_F(WordWiseTest, ItsDocumentsComeOutAsWorkedOutByHand) {
                             "Unrecognised Command QQ"));
     ASSERT_EQ(desktop.questions.size(), 1U);
     EXPECT_THAT(desktop.questions[0].text, StartsWith("Unrecognised Command QQ\n"));
+}
+
+// --- Lines and pages.
+
+TEST_F(WordWiseTest, LinesBreakWhereTheyCan) {
+    const std::string long_word = "efghijklmno";
+    Expect({
+        {"nothing", "", ""},
+        {"the last line has no end", "a\nb", "a\rb"},
+        {"text ends at its mark", "a{129}b", "a"},
+        {"full at a blank", "{LL11}hello world again", "hello world\ragain"},
+        {"behind the last of two blanks", "{LL12}ab cd  " + long_word, "ab cd \r" + long_word},
+        {"at a comma of its own kind", "{LL12}ab{172}cd " + long_word, "ab,cd\r" + long_word},
+        {"a comma beyond the end is lost", "{LL11}abcdefghijk{172}l", "abcdefghijk\rl"},
+        {"at a tab", "{LL15}ab{TAB}" + long_word, "ab" + Blanks(7) + "\r" + long_word},
+        {"what is behind the break is read again", "{LL12}ab cd {PP}" + long_word,
+         "ab cd\r1" + long_word},
+        {"no tab stops are left", "{LL200}" + Blanks(110) + "a{TAB}b", Blanks(110) + "ab"},
+        {"the first stop of the list counts", "{DT20,5}a{TAB}b", "a" + Blanks(18) + "b"},
+    });
+}
+
+TEST_F(WordWiseTest, JustificationWidensGapsToTheLinesEnd) {
+    Expect({
+        {"no gap", "{LL12}{JO}abc abcdefghijkl x", "abc\rabcdefghijkl\rx"},
+        {"blanks at the end go first", "{LL12}{JO}ab cd  efghijklmno",
+         "ab" + Blanks(8) + "cd\refghijklmno"},
+        // Meant: see SpaceAt.
+        {"but not those where a command waits", "{LL12}{JO}ab cd {ES} efghijklmno",
+         "ab" + Blanks(7) + "cd \refghijklmno"},
+    });
+}
+
+TEST_F(WordWiseTest, PagesHaveTheirHeadingsAndFootings) {
+    Expect({
+        {"a heading without a text", "{EP}{DH}Head\n", "\r\rHead\r\r\r\r"},
+        {"a position below the space", "{EP}{TS1}{HP1}{DH}Head\nx", "\rx"},
+        {"a footing without paging", "{PL10}{BS2}{FP0}{DF}foot\nx\n{SP9}y",
+         "x" + Ends(8) + "foot\r\ry"},
+        {"BP fills the page", "{EP}{PL10}{TS0}{BS0}a\n{BP}b", "a" + Ends(10) + "b"},
+        {"CP where there is room, and where not", "{PL10}{BS0}a\n{CP9}b\n{CP9}c\n{CP}d",
+         "a\rb" + Ends(9) + "c\rd"},
+        {"SP ends with the page", "{PL10}{BS0}a\n{SP99}b", "a" + Ends(10) + "b"},
+    });
+}
+
+// Meant: the first line of a page is read twice.
+TEST_F(WordWiseTest, CommandsInTheFirstLineOfAPageActBeforeIt) {
+    Expect({
+        {"an indent in the middle", "a{IN5}b\nc", Blanks(5) + "ab\r" + Blanks(5) + "c"},
+        {"and the same further down", "x\na{IN5}b\nc", "x\rab\r" + Blanks(5) + "c"},
+        {"a title's centring", "{EP}{TS1}{HP0}{LL20}{DH}Head\n{CE}Title\n",
+         Blanks(8) + "Head\r" + Blanks(7) + "Title\r"},
+    });
+}
+
+TEST_F(WordWiseTest, StylesOutliveTheirDocumentButNotTheNextOne) {
+    EXPECT_EQ(Format("a{US}{DS}b"), "a<u><b>b");
+    EXPECT_TRUE(WordWise::Underline && WordWise::DoubleStrike);
+    EXPECT_EQ(Format("c"), "c");
+}
+
+// --- Boxes, and other things that happen meanwhile.
+
+TEST_F(WordWiseTest, WhoHasSeenEnoughMessagesCanGoOnWithoutMore) {
+    desktop.yes_no = {false, true};
+    EXPECT_EQ(Format("x\n{ZZ}{zz}{Z}{}{ZZ}{ZZ}{ZZ}{ZZ}{ZZ}a"), "x\ra");
+    EXPECT_THAT(desktop.TakeBoxTexts(),
+                ElementsAre("Unrecognised Command ZZ", "Unrecognised Command ZZ",
+                            "Unrecognised Command Z\a", "Unrecognised Command ZZ",
+                            "Unrecognised Command ZZ"));
+    EXPECT_EQ(desktop.questions.size(), 2U);
+}
+
+TEST_F(WordWiseTest, ADocumentFormattedWithinAnotherLeavesItAlone) {
+    Put("one {DS}bold\n{CE2}two\nthree\n");
+    const std::string alone = Format();
+    std::string inner;
+    bool inside = false;
+    desktop.on_pump = [&] {
+        desktop.now += std::chrono::hours(1); // so that each yield pumps
+        if (std::exchange(inside, true))
+            return;
+        Module1::DiscImg.Write(0, std::array<std::uint8_t, 3>{'i', 13, 'i'});
+        Module1::gOffset = 0;
+        Module1::gSize = 3;
+        inner = Format();
+        inside = false;
+    };
+    desktop.on_pump();
+    Put("one {DS}bold\n{CE2}two\nthree\n");
+    EXPECT_EQ(Format(), alone);
+    EXPECT_EQ(inner, "i\ri");
+    EXPECT_TRUE(WordWise::DoubleStrike);
+}
+
+TEST_F(WordWiseTest, AViewThatIsClosedEndsARunWithoutAnEnd) {
+    struct Closed {};
+
+    class ClosingSink : public ViewSink {
+      public:
+        int left = 1000000;
+
+        void ShowData(std::string_view /*text*/) override {
+            if (--left == 0)
+                throw Closed();
+        }
+    };
+
+    Put("{FL999}{LS0}{PL999}" + Ends(2000));
+    ClosingSink sink;
+    EXPECT_THROW(WordWise::FormatDocument(sink), Closed);
+    EXPECT_EQ(Format("a"), "a");
+}
+
+// --- Where the rules have no end of their own.
+
+TEST_F(WordWiseTest, EveryDocumentEnds) {
+    const auto many = [](int count, const std::string& command) {
+        std::string commands;
+        for (int i = 0; i < count; ++i)
+            commands += command;
+        return commands;
+    };
+    const std::string stuck = "{LL99}{IN80}{LL}";
+    const std::string blank_page = many(60, Blanks(80) + "\r");
+    Expect({
+        {"no room for text", stuck + "word", many(3, blank_page + Ends(6))},
+        {"until a footing makes room", "{DF}{CI}foot\n" + stuck + "word",
+         blank_page + "\r\rfoot\r\r\r\rword"},
+        {"many parameters", "a{JO" + std::string(300, ',') + "}b", "ab"},
+        {"a long parameter", "a{JO" + std::string(300, 'x') + "}b", "ab"},
+        {"an indent above 255", "{LL999}{IN300}a\nb", "a\r" + Blanks(44) + "b"},
+        {"a heading without its end", "a\n{DH}heading", "a\r"},
+        {"a name without its quote", "a{GF\"NAME}b", "ab"},
+        {"a line beyond the last position", "{LL999}{FI}ab\nc", Blanks(511) + "\rc"},
+        {"as many commands as can wait", many(39, "{ES}") + "{US}a{UE}b", "<u>ab"},
+        {"more of them", many(40, "{ES}") + "{US}a{UE}b", "ab"},
+    });
+}
+
+TEST_F(WordWiseTest, ADocumentBehindTheEndOfTheDiscIsZeros) {
+    Module1::gOffset = kDiscBytes - 1;
+    Module1::gSize = 1000;
+    Module1::DiscImg.SetByte(kDiscBytes - 1, 'a');
+    EXPECT_EQ(Format(), "a" + Ends(14));
+    Module1::DiscImg.Write(kDiscBytes - 4, std::array<std::uint8_t, 4>{2, 'D', 'H', 7});
+    Module1::gOffset = kDiscBytes - 4;
+    EXPECT_EQ(Format(), "");
 }
 
 } // namespace
