@@ -47,6 +47,14 @@ class BenchHost : public Host {
 
     std::optional<std::filesystem::path> StateFolder() override { return {}; }
 
+    std::filesystem::path ProgramFolder() override { return {}; }
+
+    void PlaySound(const std::filesystem::path& /*file*/) override {}
+
+    std::string ShortDate() override { return {}; }
+
+    std::string LongTime() override { return {}; }
+
     void StartDialogsIn(const std::filesystem::path& /*folder*/) override {}
 
     void Quit() override {}

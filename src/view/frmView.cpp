@@ -95,10 +95,12 @@ void frmView::RunRenderer() {
 }
 
 /// The one way into the text control. It may pump, and then the window may be gone or the caret
-/// elsewhere, so nothing is written before that is over.
+/// elsewhere, so nothing is written before that is over. Documents come in single characters; those
+/// wait for the end of their line or style, as each insertion has its price.
 void frmView::ShowData(std::string_view text) {
-    const std::string lines = WithLineFeeds(text);
-    if (lines.size() > 1)
+    const bool part_of_line = text.size() == 1 && text[0] != '\r';
+    const std::string lines = part_of_line ? std::string(text) : WithLineFeeds(text);
+    if (!part_of_line)
         Yield(); // so that the window is painted while it fills
     if (IsClosed())
         throw ViewClosed();
@@ -107,19 +109,19 @@ void frmView::ShowData(std::string_view text) {
     gathered_underline_ = WordWise::Underline;
     gathered_bold_ = WordWise::DoubleStrike;
     gathered_ += lines;
-    if (lines.size() > 1) // single characters wait for the end of their line, which saves time
+    if (!part_of_line)
         WriteGathered();
 }
 
 void frmView::WriteGathered() {
-    const std::string text = std::exchange(gathered_, {});
-    if (text.empty())
+    if (gathered_.empty())
         return;
     rtb().SetSelStart(static_cast<int>(rtb().Text().size()));
     rtb().SetSelLength(0);
     rtb().SetSelUnderline(gathered_underline_);
     rtb().SetSelBold(gathered_bold_);
-    rtb().SetSelText(text);
+    rtb().SetSelText(gathered_);
+    gathered_.clear();
 }
 
 void frmView::SetTitle(std::string_view title) {
