@@ -1,0 +1,274 @@
+#include "disc/module1.h"
+#include "link/bootstrap.h"
+#include "link/link_use.h"
+#include "link/ring.h"
+#include "link/star_command.h"
+#include "link/transfer.h"
+#include "support/link_test.h"
+
+namespace quoravel {
+
+namespace {
+
+using Boxes = std::vector<ScriptedHost::Box>;
+using Strings = std::vector<std::string>;
+
+class BootstrapTest : public LinkTest, protected BootstrapWindow {
+  protected:
+    // The micro types what it gets; its companion does not run yet.
+    BootstrapTest() {
+        port.on_write = [](std::string_view) {};
+    }
+
+    void SetProgress(int percent) override { progress.push_back(percent); }
+
+    void DimCancel() override { dimmed_at = port.Sent().size(); }
+
+    /// Sends a program and gives what the micro got before the closing comments.
+    std::string SendProgram(std::string_view text) {
+        folder.File("tavrilo.bas", text);
+        EXPECT_TRUE(SendBasicProgram(*this));
+        return port.Sent().substr(0, dimmed_at);
+    }
+
+    std::vector<int> progress;
+    std::size_t dimmed_at = 0;
+};
+
+const std::string kStars = "REM ******************************\r";
+
+TEST_F(BootstrapTest, AProgramIsTypedByteByByteAndThePortLeftAt19200) {
+    Send_Char("x"); // opens it
+    port.log.clear();
+    port.writes.clear();
+    EXPECT_EQ(SendProgram("10CLS\n20\xE9\n"), "10CLS\r20\xE9\r");
+    const std::string closing = "\r" + kStars +
+                                "REM File Transfer Complete\r"
+                                "REM Type SAVE \"TAVRILO\" to save file\r"
+                                "REM Then RUN to start program\r" +
+                                kStars + "*FX 2,0\r";
+    EXPECT_EQ(port.Sent().substr(dimmed_at), closing);
+    EXPECT_EQ(port.writes.size(), port.Sent().size());
+    EXPECT_EQ(Milliseconds(), static_cast<int>(10 * port.writes.size()));
+    EXPECT_EQ(progress, (std::vector<int>{0, 60, 100}));
+    EXPECT_EQ(port.log.substr(0, 21), "close open 1200 1200 ");
+    EXPECT_EQ(port.log.substr(port.log.size() - 16), "1200 close open ");
+    EXPECT_EQ(port.settings, (std::vector<int>{19200, 1200, 19200}));
+    EXPECT_TRUE(Module1::gSerialPortOpen);
+}
+
+TEST_F(BootstrapTest, EveryLineEndBecomesACr) {
+    for (const auto& [text, sent] : std::map<std::string, std::string>{
+             {"", ""},
+             {"a", "a\r"},
+             {"a\nb\r\nc\rd", "a\rb\rc\rd\r"},
+             {"a\n\nb\r\r", "a\r\rb\r\r"},
+             {"\n\r\n", "\r\r"},
+         }) {
+        port.writes.clear();
+        EXPECT_EQ(SendProgram(text), sent);
+    }
+}
+
+TEST_F(BootstrapTest, CancelBreaksTheLineOffAndFreesTheKeyboard) {
+    Later(35, Cancel);
+    EXPECT_EQ(SendProgram("10PRINT\n20PRINT\n"), "10PR");
+    EXPECT_EQ(port.Sent().substr(dimmed_at),
+              "\r" + kStars + "REM File Transfer Aborted\r" + kStars + "*FX 2,0\r");
+    EXPECT_EQ(progress, std::vector<int>{0});
+    EXPECT_FALSE(Module1::TXAbort);
+}
+
+TEST_F(BootstrapTest, WhatIsMissingIsTold) {
+    EXPECT_TRUE(SendBasicProgram(*this));
+    EXPECT_TRUE(port.writes.empty());
+    EXPECT_EQ(port.log, "open close open ");
+    EXPECT_EQ(port.settings.back(), 19200);
+    port.opens = false;
+    EXPECT_FALSE(SendBasicProgram(*this));
+    EXPECT_EQ(port.settings.back(), 1200); // Meant: it stays so until the next try.
+    EXPECT_FALSE(Module1::gSerialPortOpen);
+    EXPECT_EQ(desktop.TakeBoxTexts(),
+              (Strings{"tavrilo.bas not found at " + (folder.path() / "tavrilo.bas").string(),
+                       "Error Opening Serial Port"}));
+}
+
+TEST_F(BootstrapTest, AnInstalledProgramIsFoundInTheDataFolder) {
+    namespace fs = std::filesystem;
+    fs::create_directories(folder.path() / "bin");
+    fs::create_directories(folder.path() / "share" / "quoravel");
+    desktop.program_folder = folder.path() / "bin";
+    folder.File("share/quoravel/tavrilo.bas", "10CLS\n");
+    EXPECT_TRUE(SendBasicProgram(*this));
+    EXPECT_EQ(port.Sent().substr(0, dimmed_at), "10CLS\r");
+}
+
+class StarCommandTest : public LinkTest {
+  protected:
+    bool Command(std::string_view text) {
+        shown.clear();
+        return SendStarCommand(text, [this](std::string_view output) {
+            shown += output;
+            return stays_open;
+        });
+    }
+
+    /// Answers every command with these bytes, some milliseconds after it.
+    void AnswerWith(std::vector<std::pair<int, std::string>> pieces) {
+        port.on_write = [this, pieces](std::string_view bytes) {
+            if (bytes.ends_with('\r'))
+                for (const auto& [milliseconds, text] : pieces)
+                    Arrive(milliseconds, text);
+        };
+    }
+
+    std::string shown;
+    bool stays_open = true;
+};
+
+constexpr const char* kDone = "-----BBC-----PC-----\r";
+
+TEST_F(StarCommandTest, TheOutputIsShownWithoutTheSuccessLine) {
+    micro.outputs["*CAT"] = "\rDrive 0\rOption 2\r";
+    EXPECT_TRUE(Command("CAT"));
+    EXPECT_EQ(shown, "\r\nDrive 0\r\nOption 2\r\n");
+    EXPECT_TRUE(Command(""));
+    EXPECT_EQ(shown, "");
+    EXPECT_EQ(port.writes, (Strings{"*", "*CAT\r", "*", "*\r"}));
+    EXPECT_EQ(micro.heard, (Strings{"*CAT", "*"}));
+}
+
+TEST_F(StarCommandTest, OutputComesInPieces) {
+    struct Row {
+        const char* what;
+        std::vector<std::pair<int, std::string>> pieces;
+        std::string shown;
+        int ends; ///< milliseconds
+    };
+
+    const std::string kilobyte(1024, 'k');
+    for (const Row& row : {
+             Row{"a pause", {{5, "abc"}, {900, "def" + std::string(kDone)}}, "abcdef", 1100},
+             Row{"1024 bytes", {{5, kilobyte + "def" + kDone}}, kilobyte + "def", 205},
+             Row{"a short first piece", {{5, "a"}, {900, kDone}}, "a", 1100},
+             Row{"a short later piece", {{5, "abc"}, {900, "d"}, {2000, kDone}}, "abc", 1100},
+             Row{"no success line", {{5, "abc"}}, "abc", 10206},
+             // Meant: it is looked for in each piece alone, and by exact letters.
+             Row{"a split success line",
+                 {{5, "-----BBC---"}, {900, "--PC-----\r"}},
+                 "-----BBC-----PC-----\r\n",
+                 11101},
+             Row{"small letters",
+                 {{5, "-----bbc-----pc-----\r"}},
+                 "-----bbc-----pc-----\r\n",
+                 10206},
+         }) {
+        SCOPED_TRACE(row.what);
+        AnswerWith(row.pieces);
+        const std::int64_t start = Milliseconds();
+        EXPECT_TRUE(Command("X"));
+        EXPECT_EQ(shown, row.shown);
+        EXPECT_NEAR(static_cast<double>(Milliseconds() - start), row.ends, 2);
+        Swallow_Rubbish();
+    }
+}
+
+TEST_F(StarCommandTest, AFailureIsToldAndKeepsTheText) {
+    struct Row {
+        const char* what;
+        std::function<void(CompanionDouble::Reply&)> spoil;
+        std::string box;
+    };
+
+    const std::string nothing = "Problem sending * Command";
+    micro.errors["*X"] = "Bad \xE9 command\n";
+    for (const Row& row : {
+             Row{"an error", [](auto&) {}, "Bad \xC3\xA9 command"},
+             Row{"a lost first dash",
+                 [](auto& reply) {
+                     if (reply.to == "*X")
+                         reply.bytes.erase(0, 1);
+                 },
+                 "Bad \xC3\xA9 command"},
+             Row{"no text",
+                 [](auto& reply) {
+                     if (reply.to == "error?")
+                         reply.bytes = "x\r";
+                 },
+                 nothing},
+             Row{"no answer", [](auto& reply) { reply.bytes.clear(); }, nothing},
+         }) {
+        SCOPED_TRACE(row.what);
+        micro.spoil = row.spoil;
+        EXPECT_FALSE(Command("X"));
+        EXPECT_EQ(desktop.boxes, (Boxes{{row.box, "* Command Error"}}));
+        EXPECT_EQ(shown, "");
+        desktop.boxes.clear();
+    }
+}
+
+TEST_F(StarCommandTest, ACancelledReceiveSilencesCommands) {
+    Cancel();
+    EXPECT_FALSE(Command("CAT"));
+    EXPECT_EQ(Milliseconds(), 10000);
+    EXPECT_TRUE(port.writes.empty());
+    EXPECT_EQ(desktop.TakeBoxTexts(), Strings{"Problem sending * Command"});
+}
+
+TEST_F(StarCommandTest, OutputThatNeverEndsEndsWithItsWindow) {
+    port.on_write = [](std::string_view) {};
+    for (int i = 0; i < 1000; ++i)
+        Arrive(10 + 300 * i, "more\r");
+    Later(2000, [this] { stays_open = false; });
+    EXPECT_TRUE(Command("X"));
+    EXPECT_LT(Milliseconds(), 3000);
+}
+
+TEST_F(StarCommandTest, OneUseOfTheCableAtATime) {
+    {
+        const LinkUse first;
+        const LinkUse second;
+        EXPECT_TRUE(first);
+        EXPECT_FALSE(second);
+    }
+    EXPECT_TRUE(LinkUse());
+    EXPECT_EQ(desktop.TakeBoxTexts(), Strings{"A transfer is in progress"});
+}
+
+TEST_F(BootstrapTest, TheEndOfTheProgramUnwindsEveryWait) {
+    const auto image = folder.File("a.ssd", std::string(204800, 'x'));
+    folder.File("tavrilo.bas", "10REM\n");
+
+    struct Row {
+        const char* what;
+        std::function<void()> run;
+        int quits; ///< after so many milliseconds
+    };
+
+    std::filesystem::path file;
+    for (const Row& row : {
+             Row{"receive", [&] { static_cast<void>(RX_SSD(0, desk, file)); }, 15},
+             Row{"send", [&] { TX_DISC(0, true, desk); }, 15},
+             Row{"bootstrap", [&] { static_cast<void>(SendBasicProgram(*this)); }, 50},
+             Row{"ten seconds",
+                 [] { static_cast<void>(SendStarCommand("X", [](auto) { return true; })); }, 9999},
+             Row{"drain", [] { Swallow_Rubbish(); }, 1999},
+         }) {
+        SCOPED_TRACE(row.what);
+        desktop.files = {image};
+        Later(row.quits, [] { throw AppQuitting(); });
+        const std::int64_t start = Milliseconds();
+        const auto run = [&] {
+            const LinkUse use;
+            row.run();
+        };
+        EXPECT_THROW(run(), AppQuitting);
+        EXPECT_EQ(Milliseconds() - start, row.quits);
+        EXPECT_FALSE(timer.Enabled());
+        EXPECT_TRUE(LinkUse());
+    }
+}
+
+} // namespace
+
+} // namespace quoravel
