@@ -114,6 +114,11 @@ xdotool key Down
 view view-basic "View File" Down
 stop
 
+start demo-wordwise.ssd
+xdotool key Down Down Down Down
+view view-wordwise "View File" Down Down Down Down
+stop
+
 start demo-cat.ssd
 view view-cat "^[*]CAT" Left Down Down Down Down Down Down
 stop
