@@ -1,6 +1,7 @@
 #include "link/track_codec.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace quoravel {
 
@@ -32,11 +33,21 @@ constexpr auto kShiftedOut = [] {
     return table;
 }();
 
+/// True if the eight bytes from `i` on are all `value`: an empty track is one long run.
+bool AreEight(TrackBytes track, std::size_t i, std::uint8_t value) {
+    std::uint64_t eight = 0;
+    std::memcpy(&eight, &track[i], sizeof eight);
+    return eight == value * 0x0101010101010101U;
+}
+
 /// How many bytes from `start` on are the same, up to the longest run.
 std::size_t RunAt(TrackBytes track, std::size_t start) {
+    const std::uint8_t value = track[start];
     const std::size_t end = std::min(start + kLongestRun, track.size());
     std::size_t i = start + 1;
-    while (i < end && track[i] == track[start])
+    while (i + 8 <= end && AreEight(track, i, value))
+        i += 8;
+    while (i < end && track[i] == value)
         ++i;
     return i - start;
 }
@@ -49,6 +60,7 @@ void CalcCrc(std::int32_t& crc, std::int32_t byte) {
     crc = static_cast<std::int32_t>(((c << 8U) ^ kShiftedOut[index]) & 0xFFFFU);
 }
 
+// NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): clearing takes as long as an empty track
 TrackPacket::TrackPacket(TrackBytes track) {
     for (std::size_t i = 0; i < track.size();) {
         const std::size_t run = RunAt(track, i);

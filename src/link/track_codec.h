@@ -43,7 +43,7 @@ class TrackPacket {
 
     void PutRun(std::uint8_t value, std::size_t count);
 
-    std::array<std::uint8_t, 4561> bytes_{};
+    std::array<std::uint8_t, 4561> bytes_; ///< the first used_ of them are set
     std::size_t used_ = kLengthBytes;
 };
 
