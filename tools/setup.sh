@@ -2,8 +2,9 @@
 # them, and how to build. Both set `root` to the project's folder before.
 # shellcheck shell=bash disable=SC2034,SC2154
 
-packages_build=(g++ cmake ninja-build libexpat1-dev libpugixml-dev qt6-base-dev)
-packages_tests=(libgtest-dev libgmock-dev libplist-utils poppler-utils)
+packages_build=(g++ cmake ninja-build libexpat1-dev libpugixml-dev qt6-base-dev
+    libqt6serialport6-dev)
+packages_tests=(libgtest-dev libgmock-dev libplist-utils poppler-utils qt6-multimedia-dev)
 packages_checks=(clang libclang-rt-dev clang-format clang-tidy python3)
 packages_wayland=(qt6-wayland)
 packages_virtual_display=(xvfb xauth x11vnc openbox)

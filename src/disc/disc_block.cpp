@@ -23,7 +23,15 @@ Range InsideBlock(std::int64_t offset, std::int64_t count) {
 
 void DiscBlock::Fill(std::int64_t offset, std::int64_t count, std::uint8_t value) {
     const auto [begin, end] = InsideBlock(offset, count);
+    if (value == 0) {
+        const std::int64_t clear_to = std::clamp(blank_from_, begin, end);
+        std::fill(bytes_.begin() + begin, bytes_.begin() + clear_to, value);
+        if (end >= blank_from_)
+            blank_from_ = std::min(blank_from_, begin);
+        return;
+    }
     std::fill(bytes_.begin() + begin, bytes_.begin() + end, value);
+    blank_from_ = std::max(blank_from_, end);
 }
 
 void DiscBlock::Write(std::int64_t offset, std::span<const std::uint8_t> source) {
@@ -32,7 +40,14 @@ void DiscBlock::Write(std::int64_t offset, std::span<const std::uint8_t> source)
         return;
     const auto part = source.subspan(static_cast<std::size_t>(begin - offset),
                                      static_cast<std::size_t>(end - begin));
-    std::ranges::copy(part, bytes_.begin() + begin);
+    std::copy(part.begin(), part.end(), bytes_.begin() + begin);
+    blank_from_ = std::max(blank_from_, end);
+}
+
+std::span<std::uint8_t> DiscBlock::Head(std::size_t count) {
+    const auto head = std::span(bytes_).first(std::min<std::size_t>(count, kDiscBytes));
+    blank_from_ = std::max(blank_from_, std::ssize(head));
+    return head;
 }
 
 void DiscBlock::CopyAscending(std::int64_t from, std::int64_t to, std::int64_t count) {

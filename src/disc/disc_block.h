@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -29,8 +30,10 @@ class DiscBlock {
     }
 
     void SetByte(std::int64_t offset, std::uint8_t value) {
-        if (Holds(offset))
-            bytes_[static_cast<std::size_t>(offset)] = value;
+        if (!Holds(offset))
+            return;
+        bytes_[static_cast<std::size_t>(offset)] = value;
+        blank_from_ = std::max(blank_from_, offset + 1);
     }
 
     /// Sets `count` bytes from `offset` on to `value`.
@@ -38,6 +41,9 @@ class DiscBlock {
 
     /// Puts `source` at `offset`.
     void Write(std::int64_t offset, std::span<const std::uint8_t> source);
+
+    /// The first `count` bytes (at most all), to be written to at once.
+    [[nodiscard]] std::span<std::uint8_t> Head(std::size_t count);
 
     /// Copies `count` bytes one by one in ascending order, so that an overlapping copy upwards
     /// repeats what it has just written.
@@ -55,6 +61,7 @@ class DiscBlock {
     }
 
     std::vector<std::uint8_t> bytes_;
+    std::int64_t blank_from_ = 0; ///< from here on all is 0, and need not be cleared
 };
 
 } // namespace quoravel

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace quoravel {
 
@@ -25,9 +26,16 @@ void SetSectorCount(int at, int sectors) {
     Module1::DiscImg.SetByte(at + 1, static_cast<std::uint8_t>(sectors % 256));
 }
 
-void BlankBothDrives() {
-    NewDisc(0, kDriveTracks, false);
-    NewDisc(1, kDriveTracks, false);
+/// Makes of what the first `loaded` bytes leave two blank drives of 80 tracks.
+void BlankBehind(int loaded) {
+    Module1::DiscImg.Fill(loaded, kDiscBytes, 0);
+    for (const int flags : {kFlagsByte, kDriveBytes + kFlagsByte}) {
+        const int count = flags + 1;
+        if (flags >= loaded)
+            Module1::DiscImg.SetByte(flags, kDriveSectors / 256);
+        if (count >= loaded)
+            Module1::DiscImg.SetByte(count, kDriveSectors % 256);
+    }
 }
 
 /// Replaces `file`, and only then takes the disc for saved.
@@ -70,23 +78,30 @@ void NewDisc(int drive, int tracks, bool watford) {
     GetFreeSpaceMap(drive);
 }
 
+// A listing loads thousands of images: each is read to where it stays, and the blocks are kept.
+
 std::optional<FileError> LoadDisc_SSD(const std::filesystem::path& file) {
-    std::vector<std::uint8_t> bytes;
-    if (auto error = ReadFile(file, kDriveBytes, bytes))
+    static DiscBlock block;
+    std::size_t length = 0;
+    if (auto error = ReadFileInto(file, block.Head(kDriveBytes), length))
         return error;
-    BlankBothDrives();
-    Module1::DiscImg.Write(0, bytes);
+    std::swap(Module1::DiscImg, block);
+    Module1::gDirty = false;
+    BlankBehind(static_cast<int>(length));
     GetFreeSpaceMap(0);
+    GetFreeSpaceMap(1);
     return {};
 }
 
 std::optional<FileError> LoadDisc_DSD(const std::filesystem::path& file) {
-    std::vector<std::uint8_t> bytes;
-    if (auto error = ReadFile(file, kDiscBytes, bytes))
+    static std::vector<std::uint8_t> bytes(kDiscBytes);
+    std::size_t length = 0;
+    if (auto error = ReadFileInto(file, bytes, length))
         return error;
-    BlankBothDrives();
+    Module1::gDirty = false;
+    BlankBehind(0);
     // Whole sectors only: a partial last one is dropped.
-    std::span<const std::uint8_t> rest(bytes.data(), bytes.size() / kSectorBytes * kSectorBytes);
+    auto rest = std::span(bytes).first(length / kSectorBytes * kSectorBytes);
     for (int file_track = 0; !rest.empty(); ++file_track) {
         const auto track = rest.first(std::min<std::size_t>(rest.size(), kTrackBytes));
         Module1::DiscImg.Write(BlockOffsetOfFileTrack(file_track), track);

@@ -50,6 +50,9 @@ inline bool a_change = false;  ///< the address dialog was left with OK
 inline std::string gOldString; ///< name of the file under in-place rename
 inline bool gDone = false;     ///< the in-place rename has ended
 
+// The listing of a folder of images.
+inline bool gCancel = false; ///< the user's Cancel
+
 // The document under formatting.
 inline int gOffset = 0; ///< where it starts in DiscImg
 inline int gSize = 0;   ///< its length in bytes

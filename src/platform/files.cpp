@@ -36,12 +36,18 @@ FileError LastError() {
 /// A file descriptor that closes itself.
 class Descriptor {
   public:
-    explicit Descriptor(int fd) : fd_(fd) {}
+    explicit Descriptor(int fd = -1) : fd_(fd) {}
 
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
 
     ~Descriptor() { static_cast<void>(Close()); }
+
+    /// Takes another one, which may be -1.
+    void Open(int fd) {
+        static_cast<void>(Close());
+        fd_ = fd;
+    }
 
     [[nodiscard]] bool IsOpen() const { return fd_ >= 0; }
 
@@ -61,11 +67,11 @@ std::optional<FileError> RefuseUnlessPlain(const struct stat& status) {
     return S_ISDIR(status.st_mode) ? ErrorOf(EISDIR) : FileError{"Not a regular file"};
 }
 
-/// Reads until `bytes` is full or the file ends; its size is then what was read.
-std::optional<FileError> ReadAll(int fd, std::vector<std::uint8_t>& bytes) {
-    std::size_t filled = 0;
-    while (filled < bytes.size()) {
-        const ssize_t got = ::read(fd, bytes.data() + filled, bytes.size() - filled);
+/// Reads until `buffer` is full or the file ends; `filled` is then what was read.
+std::optional<FileError> ReadAll(int fd, std::span<std::uint8_t> buffer, std::size_t& filled) {
+    filled = 0;
+    while (filled < buffer.size()) {
+        const ssize_t got = ::read(fd, buffer.data() + filled, buffer.size() - filled);
         if (got < 0 && errno == EINTR)
             continue;
         if (got < 0)
@@ -74,8 +80,19 @@ std::optional<FileError> ReadAll(int fd, std::vector<std::uint8_t>& bytes) {
             break;
         filled += static_cast<std::size_t>(got);
     }
-    bytes.resize(filled);
     return {};
+}
+
+/// A plain file opened to be read; `length` is what the system says of it.
+std::optional<FileError> OpenToRead(const fs::path& file, Descriptor& in, std::size_t& length) {
+    in.Open(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+
+    struct stat status {};
+
+    if (!in.IsOpen() || ::fstat(in.get(), &status) != 0)
+        return LastError();
+    length = static_cast<std::size_t>(std::max<off_t>(status.st_size, 0));
+    return RefuseUnlessPlain(status);
 }
 
 std::optional<FileError> WriteAll(int fd, Bytes bytes) {
@@ -245,20 +262,25 @@ std::optional<FileError> WithoutNewFile(int reason, const fs::path& file, Bytes 
 
 std::optional<FileError> ReadFile(const fs::path& file, std::size_t limit,
                                   std::vector<std::uint8_t>& bytes) {
-    const Descriptor in(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
-
-    struct stat status {};
-
-    if (!in.IsOpen() || ::fstat(in.get(), &status) != 0)
-        return LastError();
-    if (auto error = RefuseUnlessPlain(status))
+    Descriptor in;
+    std::size_t length = 0;
+    if (auto error = OpenToRead(file, in, length))
         return error;
-    std::vector<std::uint8_t> read(
-        std::min(limit, static_cast<std::size_t>(std::max<off_t>(status.st_size, 0))));
-    if (auto error = ReadAll(in.get(), read))
+    std::vector<std::uint8_t> read(std::min(limit, length));
+    if (auto error = ReadAll(in.get(), read, length))
         return error;
+    read.resize(length);
     bytes = std::move(read);
     return {};
+}
+
+std::optional<FileError> ReadFileInto(const fs::path& file, std::span<std::uint8_t> buffer,
+                                      std::size_t& filled) {
+    Descriptor in;
+    std::size_t length = 0;
+    if (auto error = OpenToRead(file, in, length))
+        return error;
+    return ReadAll(in.get(), buffer.first(std::min(buffer.size(), length)), filled);
 }
 
 std::optional<FileError> LengthOfFile(const fs::path& file, std::uint64_t& length) {

@@ -22,6 +22,12 @@ struct FileError {
 [[nodiscard]] std::optional<FileError>
 ReadFile(const std::filesystem::path& file, std::size_t limit, std::vector<std::uint8_t>& bytes);
 
+/// The same into a buffer that is there already: fills it from its start and gives in `filled` how
+/// much it took. After an error the buffer may hold a part.
+[[nodiscard]] std::optional<FileError> ReadFileInto(const std::filesystem::path& file,
+                                                    std::span<std::uint8_t> buffer,
+                                                    std::size_t& filled);
+
 /// Length in bytes of a plain file, looked at without opening it. What ReadFile refuses is an error
 /// here too.
 [[nodiscard]] std::optional<FileError> LengthOfFile(const std::filesystem::path& file,

@@ -31,7 +31,8 @@ class Serial {
     /// Closes the port once what was written has gone out. A closed port stays so.
     virtual void Close() = 0;
 
-    /// Queues bytes for sending. On a port that is not open they are dropped.
+    /// Queues bytes for sending. A port that could not be opened, or that has vanished since, is
+    /// tried again first, at most once a second; as long as it is not there, bytes are dropped.
     virtual void Write(std::string_view bytes) = 0;
 
     /// All bytes received and not yet read; they are gone from the port then.

@@ -89,6 +89,7 @@ void frmMain::AddMenuHandlers() {
     handle("DiscViewAsCAT", &frmMain::DiscViewAsCAT_Action);
     handle("DiscViewAsEX", &frmMain::DiscViewAsEX_Action);
     handle("DiscViewFreeSpaceMap", &frmMain::DiscViewFreeSpaceMap_Action);
+    handle("DiscEXDrive", &frmMain::DiscEXDrive_Action);
     handle("FileViewAsText", &frmMain::FileViewAsText_Action);
     handle("FileViewAsBasic", &frmMain::FileViewAsBasic_Action);
     handle("FileDisassembleFile", &frmMain::FileDisassembleFile_Action);

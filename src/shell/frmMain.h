@@ -106,6 +106,8 @@ class frmMain : public QMainWindow, private StatusLine, private TransferDesk {
     void FileRenameFile_Action();
     bool FileSetFileAddresses_Action();
     void FileExportFile_Action();
+    void DiscEXDrive_Action();
+    void ListFolder(const std::filesystem::path& folder, const std::filesystem::path& log);
     void HelpAboutQuoravel_Action();
 
     void AddLinkHandlers();
@@ -158,6 +160,7 @@ class frmMain : public QMainWindow, private StatusLine, private TransferDesk {
     QtTimer Timer4_;
     QPointer<frmTrace> frmTr_; ///< the trace window while it is open
     std::weak_ptr<TransferWindow> transfer_;
+    bool listing_ = false; ///< a folder is being listed
     DragFolder dragged_;
     Views views_;
     MenuBar menu_;

@@ -24,20 +24,33 @@ int StoredSize(const std::string& key, int otherwise, int least = kLeastWindowSi
     return std::clamp(GetPrefInteger(key, otherwise), least, kLargestWindowSize);
 }
 
-int StoredPosition(const std::string& key, int otherwise) {
+int StoredCoordinate(const std::string& key, int otherwise) {
     return std::clamp(GetPrefInteger(key, otherwise), -kFarthest, kFarthest);
+}
+
+/// The middle of the screen without a stored position, on whatever screen or none.
+QPoint StoredCorner(std::string_view prefix, QSize size) {
+    const QSize screen = ScreenSize();
+    const int left = (screen.width() - size.width()) / 2; // halves go towards zero
+    const int top = (screen.height() - size.height()) / 2;
+    return {StoredCoordinate(Key(prefix, "Left"), left), StoredCoordinate(Key(prefix, "Top"), top)};
 }
 
 } // namespace
 
 QRect StoredPlace(std::string_view prefix, QSize size, int least_width) {
-    const QSize screen = ScreenSize();
-    const int left = (screen.width() - size.width()) / 2; // halves go towards zero
-    const int top = (screen.height() - size.height()) / 2;
-    return InsideSomeScreen({StoredPosition(Key(prefix, "Left"), left),
-                             StoredPosition(Key(prefix, "Top"), top),
-                             StoredSize(Key(prefix, "Width"), size.width(), least_width),
-                             StoredSize(Key(prefix, "Height"), size.height())});
+    const QSize stored(StoredSize(Key(prefix, "Width"), size.width(), least_width),
+                       StoredSize(Key(prefix, "Height"), size.height()));
+    return InsideSomeScreen({StoredCorner(prefix, size), stored});
+}
+
+QPoint StoredPosition(std::string_view prefix, QSize size) {
+    return InsideSomeScreen({StoredCorner(prefix, size), size}).topLeft();
+}
+
+void StorePosition(std::string_view prefix, const QWidget& window) {
+    SetPrefInteger(Key(prefix, "Left"), window.x());
+    SetPrefInteger(Key(prefix, "Top"), window.y());
 }
 
 void StorePlace(std::string_view prefix, const QWidget& window, QSize size) {

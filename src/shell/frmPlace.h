@@ -24,4 +24,10 @@ inline constexpr int kLargestWindowSize = 32000;
 /// window the place that it goes back to.
 void StorePlace(std::string_view prefix, const QWidget& window, QSize size);
 
+/// Where a window that has a size of its own was left, from "…Left" and "…Top".
+[[nodiscard]] QPoint StoredPosition(std::string_view prefix, QSize size);
+
+/// Stores where such a window is.
+void StorePosition(std::string_view prefix, const QWidget& window);
+
 } // namespace quoravel

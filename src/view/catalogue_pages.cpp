@@ -5,6 +5,7 @@
 #include "disc/module1.h"
 #include "platform/text.h"
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <utility>
@@ -17,6 +18,7 @@ namespace {
 constexpr std::array<std::string_view, 4> kOptionNames{"Off ", "Load", "Run ", "Exec"};
 constexpr std::size_t kHeaderColumn = 19;
 constexpr std::size_t kNameWidth = 9;
+constexpr std::size_t kEXLine = 45; // with its end
 constexpr std::string_view kBreak = "\r";
 constexpr std::string_view kGap = "  ";
 
@@ -51,10 +53,12 @@ PageRow CatRow(const ListRow& file) {
 }
 
 PageRow EXRow(const ListRow& file) {
-    std::string line = Padded(file.FileName, kNameWidth);
-    for (const std::string& cell : {file.Attr, file.Load, file.Exec, file.Size, file.Sector})
-        line.append(kGap).append(cell);
-    return {line, {}, {}};
+    std::string line;
+    line.reserve(kEXLine);
+    line.append(file.FileName, 0, kNameWidth).resize(kNameWidth, ' ');
+    for (const std::string* cell : {&file.Attr, &file.Load, &file.Exec, &file.Size, &file.Sector})
+        line.append(kGap).append(*cell);
+    return {std::move(line), {}, {}};
 }
 
 /// The rows of a page in catalogue order, one for each file that the disc counts; `row_of` makes
@@ -76,15 +80,22 @@ std::vector<PageRow> ReadRows(PageRow (*row_of)(const ListRow&), Step step) {
 
 /// Sorts by the keys. Meant: an exchange can carry one of two equal keys past the other, where a
 /// stable sort would keep their order.
-void ExchangeSort(std::vector<PageRow>& rows, Step step) {
-    for (std::size_t i = 0; i + 1 < rows.size(); ++i) {
-        for (std::size_t j = i + 1; j < rows.size(); ++j) {
-            if (rows[j].key < rows[i].key)
-                std::swap(rows[i], rows[j]);
+std::vector<PageRow> ExchangeSorted(std::vector<PageRow> rows, Step step) {
+    std::vector<PageRow*> order(rows.size());
+    std::ranges::transform(rows, order.begin(), [](PageRow& row) { return &row; });
+    for (std::size_t i = 0; i + 1 < order.size(); ++i) {
+        for (std::size_t j = i + 1; j < order.size(); ++j) {
+            if (order[j]->key < order[i]->key)
+                std::swap(order[i], order[j]);
             step();
         }
         step();
     }
+    std::vector<PageRow> sorted;
+    sorted.reserve(order.size());
+    for (PageRow* row : order)
+        sorted.push_back(std::move(*row));
+    return sorted;
 }
 
 /// The first character of a row, or nothing.
@@ -135,16 +146,12 @@ void ListHeader(int start, ViewSink& sink) {
 
 void ListCat(ViewSink& sink) {
     ListHeader(GetStartSectorOfDrive(Module1::cur_drive), sink);
-    auto rows = ReadRows(CatRow, Yield);
-    ExchangeSort(rows, Yield);
-    PrintFields(rows, sink);
+    PrintFields(ExchangeSorted(ReadRows(CatRow, Yield), Yield), sink);
 }
 
 void ListEX(ViewSink& sink, void (*step)()) {
-    auto rows = ReadRows(EXRow, step);
-    ExchangeSort(rows, step);
-    for (const PageRow& row : rows) {
-        sink.ShowData(row.text + "\r");
+    for (PageRow& row : ExchangeSorted(ReadRows(EXRow, step), step)) {
+        sink.ShowData(row.text += kBreak);
         step();
     }
 }

@@ -1,6 +1,7 @@
 #include "platform/qt/qt_host.h"
 
 #include "platform/qt/guard.h"
+#include "platform/qt/sound_plugin.h"
 #include "platform/qt/text.h"
 
 #include <QApplication>
@@ -10,12 +11,14 @@
 #include <QFileDialog>
 #include <QLocale>
 #include <QMessageBox>
+#include <QPluginLoader>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTimer>
 
 #include <cstdlib>
 #include <sstream>
+#include <sys/prctl.h>
 
 namespace quoravel {
 
@@ -84,6 +87,8 @@ class Opener : public QProcess {
 } // namespace
 
 QtHost::QtHost() {
+    // The kernel may wake us late by this much, 50 us by default, which would slow the cable down.
+    prctl(PR_SET_TIMERSLACK, 1); // nanoseconds
     InstallHost(this);
 }
 
@@ -176,8 +181,12 @@ fs::path QtHost::ProgramFolder() {
     return PathOfText(QCoreApplication::applicationDirPath());
 }
 
-void QtHost::PlaySound(const fs::path& /*file*/) {
-    QApplication::beep();
+void QtHost::PlaySound(const fs::path& file) {
+    static QPluginLoader loader(PathText(ProgramFolder() / "quoravel-sound.so"));
+    if (auto* player = qobject_cast<SoundPlugin*>(loader.instance()))
+        player->Play(PathText(file));
+    else
+        QApplication::beep();
 }
 
 std::string QtHost::ShortDate() {

@@ -1,0 +1,117 @@
+#include "link/frmTrace.h"
+
+#include "disc/module1.h"
+#include "link/trace.h"
+#include "platform/qt/edit_field.h"
+#include "platform/qt/guard.h"
+#include "platform/qt/text.h"
+#include "prefs/xml_preferences.h"
+#include "shell/frmPlace.h"
+
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QScrollBar>
+
+#include <algorithm>
+#include <array>
+
+namespace quoravel {
+
+namespace {
+
+constexpr QSize kNewSize(762, 359);
+
+/// Keys that read a text and cannot change it.
+bool IsReadingKey(const QKeyEvent& key) {
+    static constexpr std::array keys{
+        QKeySequence::Copy,
+        QKeySequence::SelectAll,
+        QKeySequence::Close,
+        QKeySequence::MoveToNextLine,
+        QKeySequence::MoveToPreviousLine,
+        QKeySequence::MoveToNextPage,
+        QKeySequence::MoveToPreviousPage,
+        QKeySequence::MoveToStartOfDocument,
+        QKeySequence::MoveToEndOfDocument,
+        QKeySequence::SelectNextLine,
+        QKeySequence::SelectPreviousLine,
+        QKeySequence::SelectNextChar,
+        QKeySequence::SelectPreviousChar,
+    };
+    return std::ranges::any_of(keys, [&](auto standard) { return key.matches(standard); });
+}
+
+} // namespace
+
+frmTrace::frmTrace() : rtbTrace_(new EditField(this)) {
+    setObjectName(QStringLiteral("frmTrace"));
+    setWindowTitle(QStringLiteral("Trace"));
+    setMinimumSize(kLeastWindowSize, kLeastWindowSize);
+    setMaximumSize(kLargestWindowSize, kLargestWindowSize);
+    rtbTrace_->setObjectName(QStringLiteral("rtbTrace"));
+    rtbTrace_->setAccessibleName(QStringLiteral("Trace"));
+    rtbTrace_->installEventFilter(this);
+    InstallTracePane(this);
+}
+
+frmTrace::~frmTrace() {
+    if (!closed_) // a closed one is not the pane any more, and another may be
+        InstallTracePane(nullptr);
+}
+
+void frmTrace::Event_Open() {
+    const QRect place = StoredPlace("Trace", kNewSize);
+    setGeometry({place.topLeft(), place.size()});
+    move(place.topLeft());
+}
+
+void frmTrace::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    rtbTrace_->setGeometry(rect());
+}
+
+/// A key does nothing in the pane, unless it only reads.
+bool frmTrace::eventFilter(QObject* watched, QEvent* event) {
+    return event->type() == QEvent::KeyPress && !IsReadingKey(static_cast<QKeyEvent&>(*event))
+               ? true
+               : QWidget::eventFilter(watched, event);
+}
+
+int frmTrace::TextLength() const {
+    return static_cast<int>(rtbTrace_->Text().size());
+}
+
+void frmTrace::CutOldest(int characters) {
+    rtbTrace_->SetSelStart(0);
+    rtbTrace_->SetSelLength(characters);
+    rtbTrace_->SetSelText({});
+}
+
+/// Stays at the end, unless somebody has scrolled up to read.
+void frmTrace::Append(std::string_view utf8) {
+    const QScrollBar& bar = *rtbTrace_->verticalScrollBar();
+    const bool at_end = bar.value() == bar.maximum();
+    rtbTrace_->SetSelStart(TextLength());
+    rtbTrace_->SetSelText(BytesOfScreenText(HostText(utf8)));
+    if (at_end)
+        rtbTrace_->SetScrollPosition(TextLength());
+}
+
+void frmTrace::closeEvent(QCloseEvent* /*event*/) {
+    Guarded([this] {
+        if (!closed_)
+            Event_Close();
+    });
+}
+
+void frmTrace::Event_Close() {
+    closed_ = true;
+    Module1::gTraceWindow = false;
+    CloseTraceFile();
+    StorePlace("Trace", *this, size());
+    XMLPreferences::WritePrefFile();
+    InstallTracePane(nullptr);
+    deleteLater();
+}
+
+} // namespace quoravel
