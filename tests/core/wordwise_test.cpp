@@ -192,26 +192,20 @@ TEST_F(WordWiseTest, AViewThatIsClosedEndsARunWithoutAnEnd) {
 // --- Where the rules have no end of their own.
 
 TEST_F(WordWiseTest, EveryDocumentEnds) {
-    const auto many = [](int count, const std::string& command) {
-        std::string commands;
-        for (int i = 0; i < count; ++i)
-            commands += command;
-        return commands;
-    };
     const std::string stuck = "{LL99}{IN80}{LL}";
-    const std::string blank_page = many(60, Blanks(80) + "\r");
+    const std::string blank_page = Repeated(60, Blanks(80) + "\r");
     Expect({
-        {"no room for text", stuck + "word", many(3, blank_page + Ends(6))},
+        {"no room for text", stuck + "word", Repeated(3, blank_page + Ends(6))},
         {"until a footing makes room", "{DF}{CI}foot\n" + stuck + "word",
          blank_page + "\r\rfoot\r\r\r\rword"},
-        {"many parameters", "a{JO" + std::string(300, ',') + "}b", "ab"},
-        {"a long parameter", "a{JO" + std::string(300, 'x') + "}b", "ab"},
+        {"many parameters", "a{JO" + Repeated(300, ",") + "}b", "ab"},
+        {"a long parameter", "a{JO" + Repeated(300, "x") + "}b", "ab"},
         {"an indent above 255", "{LL999}{IN300}a\nb", "a\r" + Blanks(44) + "b"},
         {"a heading without its end", "a\n{DH}heading", "a\r"},
         {"a name without its quote", "a{GF\"NAME}b", "ab"},
         {"a line beyond the last position", "{LL999}{FI}ab\nc", Blanks(511) + "\rc"},
-        {"as many commands as can wait", many(39, "{ES}") + "{US}a{UE}b", "<u>ab"},
-        {"more of them", many(40, "{ES}") + "{US}a{UE}b", "ab"},
+        {"as many commands as can wait", Repeated(39, "{ES}") + "{US}a{UE}b", "<u>ab"},
+        {"more of them", Repeated(40, "{ES}") + "{US}a{UE}b", "ab"},
     });
 }
 

@@ -24,7 +24,7 @@ std::string Document(std::string_view written) {
     std::string bytes;
     for (std::size_t i = 0; i < written.size(); ++i) {
         const std::size_t end = written.find('}', i);
-        if (written[i] == '{' && end != written.npos) {
+        if (written[i] == '{' && end != std::string_view::npos) {
             bytes += BytesOf(written.substr(i + 1, end - i - 1));
             i = end;
         } else {

@@ -49,12 +49,15 @@ class WordWiseTest : public DiscTest {
         }
     }
 
-    static std::string Blanks(int count) {
-        return std::string(static_cast<std::size_t>(count), ' ');
-    }
+    static std::string Blanks(int count) { return Repeated(count, " "); }
 
-    static std::string Ends(int count) {
-        return std::string(static_cast<std::size_t>(count), '\r');
+    static std::string Ends(int count) { return Repeated(count, "\r"); }
+
+    static std::string Repeated(int count, std::string_view text) {
+        std::string all;
+        for (int i = 0; i < count; ++i)
+            all += text;
+        return all;
     }
 };
 

@@ -6,9 +6,9 @@
 #include <cstddef>
 #include <cstdint>
 
-// What the formatter of WordWise documents remembers. Its routines are those of the word
-// processor's own print formatter: they talk to each other through registers and pointers in here,
-// not through arguments, and that is what makes its odd cases come out as they do.
+// What the formatter of WordWise documents remembers. It has the shape of a routine for the 6502:
+// its parts talk to each other through registers and pointers in here, not through arguments, and
+// that is what makes its odd cases come out as they do.
 
 namespace quoravel::WordWise {
 
