@@ -45,14 +45,16 @@ int TakeFromRing() {
     return byte;
 }
 
-void SendSlowly(std::string_view bytes) {
+/// False if a Cancel cut the bytes off.
+bool SendSlowly(std::string_view bytes) {
     for (std::size_t i = 0; i < bytes.size(); ++i) {
         if (Module1::TXAbort)
-            return;
+            return false;
         Send_Char(bytes.substr(i, 1));
         host().DoEvents(kTypingPause);
         Yield();
     }
+    return true;
 }
 
 } // namespace
@@ -102,13 +104,10 @@ void Send_Char(std::string_view bytes) {
 }
 
 void Send_Cmd(std::string_view bytes) {
-    if (Serial1().Profile() == kTransferProfile) {
+    if (Serial1().Profile() == kTransferProfile)
         Send_Char(bytes);
-    } else {
-        SendSlowly(bytes);
-        if (Module1::TXAbort)
-            return;
-    }
+    else if (!SendSlowly(bytes))
+        return;
     if (Module1::gTraceWindow)
         DumpHex(bytes, true);
 }

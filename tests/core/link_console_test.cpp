@@ -114,7 +114,7 @@ class StarCommandTest : public LinkTest {
     }
 
     /// Answers every command with these bytes, some milliseconds after it.
-    void AnswerWith(std::vector<std::pair<int, std::string>> pieces) {
+    void AnswerWith(const std::vector<std::pair<int, std::string>>& pieces) {
         port.on_write = [this, pieces](std::string_view bytes) {
             if (bytes.ends_with('\r'))
                 for (const auto& [milliseconds, text] : pieces)

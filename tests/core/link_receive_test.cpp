@@ -12,7 +12,6 @@ namespace {
 
 using Reply = CompanionDouble::Reply;
 using Strings = std::vector<std::string>;
-using testing::Contains;
 using testing::IsSupersetOf;
 
 class LinkReceiveTest : public LinkTest {

@@ -42,6 +42,10 @@ TEST_F(LinkTraceTest, ACommandSilencedByCancelStillShows) {
     port.SetProfile(kBootstrapProfile); // but not while typing
     Send_Cmd("a");
     EXPECT_EQ(pane.text, "");
+    Module1::TXAbort = false;
+    Later(15, Cancel); // too late to cut anything off
+    Send_Cmd("ab");
+    EXPECT_NE(pane.text.find("TX: 0000 : 61 62 "), std::string::npos);
 }
 
 TEST_F(LinkTraceTest, AFullPaneLosesItsOldest4096Characters) {
