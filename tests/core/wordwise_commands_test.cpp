@@ -119,6 +119,7 @@ TEST_F(WordWiseCommands, CodesForThePrinterChangeTheCountOfBlankLines) {
     Expect({
         {"one digit", "x\n{OC1}{SP5}y", "x\r\ry"},
         {"two and more", "x\n{OC999}{SP5}y", "x\r\r\ry"},
+        {"none, and the end of a paragraph", "x\n{CE2}{2}OC\n{SP9}y", "x\r" + Blanks(35) + "\ry"},
         {"none: a line as any other", "x\n{LS4}{OC}{SP9}y", "x\r\r\r\r\ry"},
     });
 }

@@ -89,6 +89,7 @@ TEST_F(WordWiseTest, LinesBreakWhereTheyCan) {
         {"at a comma of its own kind", "{LL12}ab{172}cd " + long_word, "ab,cd\r" + long_word},
         {"a comma beyond the end is lost", "{LL11}abcdefghijk{172}l", "abcdefghijk\rl"},
         {"at a tab", "{LL15}ab{TAB}" + long_word, "ab" + Blanks(7) + "\r" + long_word},
+        {"not at a tab that does nothing", "{LL12}{DT4}abc{TAB}defghijklmno", "abcdefghijkl\rmno"},
         {"what is behind the break is read again", "{LL12}ab cd {PP}" + long_word,
          "ab cd\r1" + long_word},
         {"no tab stops are left", "{LL200}" + Blanks(110) + "a{TAB}b", Blanks(110) + "ab"},
@@ -101,6 +102,8 @@ TEST_F(WordWiseTest, JustificationWidensGapsToTheLinesEnd) {
         {"no gap", "{LL12}{JO}abc abcdefghijkl x", "abc\rabcdefghijkl\rx"},
         {"blanks at the end go first", "{LL12}{JO}ab cd  efghijklmno",
          "ab" + Blanks(8) + "cd\refghijklmno"},
+        {"a line of blanks does not change sides",
+         "{LL12}{JO}" + Blanks(13) + "ab cd efg hijklmn x", "\rab   cd  efg\rhijklmn x"},
         // Meant: see SpaceAt.
         {"but not those where a command waits", "{LL12}{JO}ab cd {ES} efghijklmno",
          "ab" + Blanks(7) + "cd \refghijklmno"},
@@ -111,6 +114,9 @@ TEST_F(WordWiseTest, PagesHaveTheirHeadingsAndFootings) {
     Expect({
         {"a heading without a text", "{EP}{DH}Head\n", "\r\rHead\r\r\r\r"},
         {"a position below the space", "{EP}{TS1}{HP1}{DH}Head\nx", "\rx"},
+        {"a text behind a bare end", "{EP}{TS1}{HP0}{2}DH\nHead\nx", "Head\rx"},
+        {"no FI goes on behind a page", "{PL10}{BS3}{LL11}a\n{SP5}{FI}hello world ab\nc",
+         "a" + Ends(6) + "hello world" + Ends(4) + "ab\rc"},
         {"a footing without paging", "{PL10}{BS2}{FP0}{DF}foot\nx\n{SP9}y",
          "x" + Ends(8) + "foot\r\ry"},
         {"BP fills the page", "{EP}{PL10}{TS0}{BS0}a\n{BP}b", "a" + Ends(10) + "b"},
