@@ -5,6 +5,7 @@
 packages_build=(g++ cmake ninja-build libexpat1-dev libpugixml-dev qt6-base-dev
     libqt6serialport6-dev)
 packages_tests=(libgtest-dev libgmock-dev libplist-utils poppler-utils qt6-multimedia-dev)
+packages_emulator=(nodejs npm)
 packages_checks=(clang libclang-rt-dev clang-format clang-tidy python3)
 packages_wayland=(qt6-wayland)
 packages_virtual_display=(xvfb xauth x11vnc openbox)
@@ -51,6 +52,25 @@ need_packages() {
         die "Could not install ${missing[*]}: the lines above say why."
     fi
     rm -f "$log"
+}
+
+# Gets the emulator for tests/beeb with its exact versions, into a folder that git ignores.
+need_emulator() {
+    local folder=$root/tests/beeb log
+    if ! command -v node >/dev/null || ! command -v npm >/dev/null; then
+        need_packages "${packages_emulator[@]}"
+    fi
+    [ ! "$folder/node_modules/.package-lock.json" -ot "$folder/package-lock.json" ] && return
+
+    say "Fetching the emulator of a BBC Micro for the tests"
+    log=$(mktemp) || die "There is no room for a temporary file."
+    if ! (cd "$folder" && npm ci --omit=optional --ignore-scripts --no-audit --no-fund) >"$log" 2>&1; then
+        tail -n 5 "$log" >&2
+        rm -f "$log"
+        return 1
+    fi
+    rm -f "$log"
+    touch "$folder/node_modules/.package-lock.json"
 }
 
 # Configures and builds a preset, all of it or the targets named behind it.

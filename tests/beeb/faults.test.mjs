@@ -9,7 +9,7 @@ import { mixedImage, randomBytes, withCatalogue } from "./lib/images.mjs";
 import { TRACK } from "./lib/packet.mjs";
 import { running } from "./lib/tavrilo.mjs";
 
-const MODELS = ["B-DFS1.2", "B1770", "Master"];
+const MODELS = ["B-DFS1.2", "B1770"];
 const image = mixedImage(40);
 const trackOf = (bytes, track) => bytes.slice(track * TRACK, (track + 1) * TRACK);
 const same = (got, wanted) => assert.ok(Buffer.from(got).equals(Buffer.from(wanted)), "the bytes differ");
@@ -128,7 +128,11 @@ for (const model of ["B-DFS1.2", "B1770"]) {
             const bytes = randomBytes(TRACK, track + 1);
             let inPacket = false;
             const hit = fault(at, change);
-            host.toMicro = (bytes) => (inPacket ? bytes.flatMap?.(hit) ?? [...bytes].flatMap(hit) : ((inPacket = bytes[0] === 0x67), bytes));
+            host.toMicro = (bytes) => {
+                if (inPacket) return [...bytes].flatMap(hit);
+                inPacket = bytes[0] === "g".charCodeAt(0);
+                return bytes;
+            };
             assert.match(host.putTrack(1, track, bytes).failure, /65536|differs/, name);
             host.toMicro = (bytes) => bytes;
             assert.deepEqual(host.putTrack(1, track, bytes), {}, name);

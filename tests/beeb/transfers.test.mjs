@@ -2,23 +2,13 @@
 
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { formatted, fromImage, readSide, unformatted } from "./lib/disc.mjs";
-import { mixedImage, randomBytes, withCatalogue } from "./lib/images.mjs";
+import { formatted, fromImage, readBoth, readSide, unformatted } from "./lib/disc.mjs";
+import { mixedImage } from "./lib/images.mjs";
 import { TRACK } from "./lib/packet.mjs";
 import { running } from "./lib/tavrilo.mjs";
+import { timeBothWays } from "./lib/times.mjs";
 
 const same = (got, wanted) => assert.ok(Buffer.from(got).equals(Buffer.from(wanted)), "the images differ");
-
-/** What is on both sides of a floppy, by turns, as a double-sided image has it. */
-function readBoth(disc, tracks) {
-    const sides = [readSide(disc, 0, tracks), readSide(disc, 1, tracks)];
-    const image = new Uint8Array(2 * tracks * TRACK);
-    for (let index = 0; index < 2 * tracks; ++index) {
-        const at = (index >> 1) * TRACK;
-        image.set(sides[index & 1].image.subarray(at, at + TRACK), index * TRACK);
-    }
-    return { image, unreadable: [...sides[0].unreadable, ...sides[1].unreadable] };
-}
 
 function clean({ beeb, host }) {
     assert.deepEqual(host.retries, []);
@@ -69,7 +59,7 @@ test("The second side alone is drive 2", async () => {
     clean(micro);
 });
 
-/** Seconds within which a disc of 80 tracks must go, by model and what is on it. */
+/** Seconds within which 80 tracks must go, by model and what is on them. */
 const LIMITS = [
     { model: "B-DFS1.2", kind: "empty", receive: 55, send: 85 },
     { model: "B-DFS1.2", kind: "random", receive: 185, send: 310 },
@@ -77,26 +67,15 @@ const LIMITS = [
     { model: "B1770", kind: "random", receive: 185, send: 400 },
 ];
 
+/** Seconds for the motor and the first commands. */
+const START = 2;
+
 for (const { model, kind, receive, send } of LIMITS) {
-    test(`80 ${kind} tracks keep their time on a ${model}`, async (context) => {
+    test(`16 ${kind} tracks keep the pace that 80 must have on a ${model}`, async () => {
         const micro = await running(model);
-        const { beeb, host } = micro;
-        const image = withCatalogue(kind === "random" ? randomBytes(80 * TRACK) : new Uint8Array(80 * TRACK));
-        beeb.insert(0, fromImage(image));
-        let start = beeb.ms;
-        same(host.receiveSide(0), image);
-        const received = (beeb.ms - start) / 1000;
-
-        const copy = formatted();
-        beeb.insert(1, copy);
-        start = beeb.ms;
-        host.sendSide(1, image);
-        const sent = (beeb.ms - start) / 1000;
-        same(readSide(copy, 0).image, image);
-
+        const { received, sent } = timeBothWays(micro, kind, 16);
         clean(micro);
-        context.diagnostic(`received in ${received.toFixed(1)} s, sent in ${sent.toFixed(1)} s`);
-        assert.ok(received <= receive, `received in ${received} s`);
-        assert.ok(sent <= send, `sent in ${sent} s`);
+        assert.ok(received <= receive / 5 + START, `received in ${received} s`);
+        assert.ok(sent <= send / 5 + START, `sent in ${sent} s`);
     });
 }

@@ -65,6 +65,17 @@ export function readSide(disc, side, tracks = FULL) {
     return { image, unreadable };
 }
 
+/** What is on both sides of a floppy, by turns, as a double-sided image has it. */
+export function readBoth(disc, tracks = FULL) {
+    const sides = [readSide(disc, 0, tracks), readSide(disc, 1, tracks)];
+    const image = new Uint8Array(2 * tracks * TRACK);
+    for (let index = 0; index < 2 * tracks; ++index) {
+        const at = (index >> 1) * TRACK;
+        image.set(sides[index & 1].image.subarray(at, at + TRACK), index * TRACK);
+    }
+    return { image, unreadable: [...sides[0].unreadable, ...sides[1].unreadable] };
+}
+
 // A marker is the only byte on the surface that lacks clock pulses; it is followed by plain ones.
 
 const ADDRESS_MARK = IbmDiscFormat.fmTo2usPulses(0xc7, 0xfe) >>> 0;

@@ -155,7 +155,7 @@ export class Host {
     }
 
     /** Tries until it works, as the program does, but not for ever. */
-    #untilDone(what, attempt) {
+    insist(attempt, what = "") {
         for (let tries = 0; tries < this.patience; ++tries) {
             this.mayCancel();
             const result = attempt();
@@ -167,11 +167,12 @@ export class Host {
 
     // Whole discs.
 
-    receiveSide(drive) {
+    /** One side, all of it or the first `tracks` tracks. */
+    receiveSide(drive, tracks) {
         this.select(drive);
         const size = Number.parseInt(this.size(), 10);
         if (size !== 102400 && size !== 204800) throw new Error("Unknown Disc Size");
-        return this.#receive(size / TRACK, (index) => [drive, index]);
+        return this.#receive(tracks ?? size / TRACK, (index) => [drive, index]);
     }
 
     receiveDouble(drive) {
@@ -183,7 +184,7 @@ export class Host {
         const image = new Uint8Array(rounds * TRACK);
         for (let index = 0; index < rounds; ++index) {
             const [drive, track] = place(index);
-            const { track: bytes } = this.#untilDone(`track ${track}`, () => this.askTrack(drive, track));
+            const { track: bytes } = this.insist(() => this.askTrack(drive, track), `track ${track}`);
             image.set(bytes, index * TRACK);
         }
         return image;
@@ -204,7 +205,7 @@ export class Host {
                 const [wireDrive, track] = place(index);
                 const bytes = new Uint8Array(TRACK);
                 bytes.set(image.subarray(index * TRACK, (index + 1) * TRACK));
-                this.#untilDone(`track ${track}`, () => this.putTrack(wireDrive, track, bytes));
+                this.insist(() => this.putTrack(wireDrive, track, bytes), `track ${track}`);
             }
         } catch (error) {
             if (error instanceof Cancelled) this.abort();

@@ -52,9 +52,9 @@ async function savedFloppy(model) {
 }
 
 /** A micro on which Tavrilo waits, its drives empty, and the host at the other end of its cable. */
-export async function running(model) {
+export async function running(model, hardware = {}) {
     const floppy = await savedFloppy(model);
-    const beeb = await Beeb.start(model);
+    const beeb = await Beeb.start(model, hardware);
     const host = new Host(beeb);
     beeb.line.hostRate = 19200;
     beeb.insert(0, floppy);
