@@ -127,12 +127,11 @@ void BenchListing(WatchedHost& host) {
     for (int i = 0; i < kTurns; ++i) {
         reading.push_back(Seconds([&] { ReadAll(images); }));
         host.last = Clock::now();
-        listing.push_back(Seconds(
-            [&] { ListImagesBelow(tree.path(), out.path() / "exall.txt", window); }));
+        listing.push_back(
+            Seconds([&] { ListImagesBelow(tree.path(), out.path() / "exall.txt", window); }));
     }
     std::printf("%zu images listed: %.2f s, read: %.2f s, ratio %.2f (at most 1.5)\n",
-                images.size(), Median(listing), Median(reading),
-                Median(listing) / Median(reading));
+                images.size(), Median(listing), Median(reading), Median(listing) / Median(reading));
     std::printf("longest time without a look at the events: %.1f ms (at most 50); "
                 "memory grew by %ld KB\n",
                 std::chrono::duration<double, std::milli>(host.longest).count(),

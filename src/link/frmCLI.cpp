@@ -1,6 +1,7 @@
 #include "link/frmCLI.h"
 
 #include "link/link_use.h"
+#include "link/ring.h"
 #include "link/star_command.h"
 #include "platform/host.h"
 #include "platform/qt/edit_field.h"
@@ -11,6 +12,13 @@
 #include <QLineEdit>
 
 namespace quoravel {
+
+namespace {
+
+/// Thrown into a wait for the micro when nobody looks at its answer any more.
+class ConsoleClosed {};
+
+} // namespace
 
 frmCLI::frmCLI() : frmDocument({"frmCLI", "rtbCLI", "CLI"}), txtCmd_(new QLineEdit(&content())) {
     setWindowTitle(QStringLiteral("* Commands"));
@@ -56,8 +64,19 @@ void frmCLI::txtCmd_KeyDown() {
     const LinkUse use;
     if (!use)
         return;
-    const std::string command = BytesOfScreenText(txtCmd_->text());
-    if (!SendStarCommand(command, [this](std::string_view output) { return ShowOutput(output); }))
+    const WaitWatch watch([this] {
+        if (IsClosed())
+            throw ConsoleClosed();
+    });
+    try {
+        RunCommand(BytesOfScreenText(txtCmd_->text()));
+    } catch (const ConsoleClosed&) { // NOLINT(bugprone-empty-catch): so the command has ended
+    }
+}
+
+void frmCLI::RunCommand(std::string_view command) {
+    const auto show = [this](std::string_view output) { return ShowOutput(output); };
+    if (!SendStarCommand(command, show))
         return;
     txtCmd_->clear();
     rtb().SetSelStart(static_cast<int>(rtb().Text().size()));

@@ -22,6 +22,7 @@ class frmCLI : public frmDocument {
 
   private:
     void txtCmd_KeyDown();
+    void RunCommand(std::string_view command);
     [[nodiscard]] bool ShowOutput(std::string_view output);
 
     QLineEdit* txtCmd_;

@@ -33,8 +33,8 @@ frmRX::frmRX() {
     setWindowTitle(QStringLiteral("Receive Disc Image"));
     setMinimumWidth(kLeastWidth);
     auto* column = new QVBoxLayout(this);
-    lblTtl_ = AddLabel(*this, *column, QStringLiteral("lblTtl"),
-                       QStringLiteral("Receive In Progress"));
+    lblTtl_ =
+        AddLabel(*this, *column, QStringLiteral("lblTtl"), QStringLiteral("Receive In Progress"));
     lblRX_ = AddLabel(*this, *column, QStringLiteral("lblRX"),
                       QStringLiteral("Receiving Track 0 of 159"));
     pb_ = new QProgressBar(this);

@@ -9,6 +9,7 @@
 #include <climits>
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
 namespace quoravel {
 
@@ -20,6 +21,8 @@ constexpr int kReplyPause = 200; // the end of a reply
 constexpr std::size_t kLeastReply = 3;
 constexpr int kDrainPause = 2000;
 constexpr int kTypingPause = 10; // what the micro's prompt needs to take a typed character
+
+std::function<void()> wait_check;
 
 /// Runs the timeout timer for one wait, however that ends.
 class Timeout {
@@ -87,6 +90,8 @@ int get_char(int timeout) {
         Serial1().Poll();
         host().DoEvents(1);
         Yield();
+        if (wait_check)
+            wait_check();
         if (Module1::RXTimeout)
             return kTimedOut;
     }
@@ -138,11 +143,20 @@ void Swallow_Rubbish() {
         Yield();
 }
 
+WaitWatch::WaitWatch(std::function<void()> check)
+    : before_(std::exchange(wait_check, std::move(check))) {
+}
+
+WaitWatch::~WaitWatch() {
+    wait_check = std::move(before_);
+}
+
 void CloseLink() {
     if (!Module1::gSerialPortOpen)
         return;
     Serial1().Write("Q"); // also after a Cancel
     Serial1().Close();
+    Module1::gSerialPortOpen = false;
 }
 
 } // namespace quoravel

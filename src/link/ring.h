@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -33,6 +34,18 @@ void Send_Cmd(std::string_view bytes);
 
 /// Reads until the line has been silent for 2 seconds.
 void Swallow_Rubbish();
+
+/// While one lives, `check` is called at every turn of every wait, and may throw to end it.
+class WaitWatch {
+  public:
+    explicit WaitWatch(std::function<void()> check);
+    ~WaitWatch();
+    WaitWatch(const WaitWatch&) = delete;
+    WaitWatch& operator=(const WaitWatch&) = delete;
+
+  private:
+    std::function<void()> before_;
+};
 
 /// Tells the micro that the program ends, if the port is believed open, and closes the port.
 void CloseLink();

@@ -109,7 +109,8 @@ class ExLogStream : public ViewSink {
 };
 
 /// Nobody gets in between the lines of one disc.
-void WithoutPause() {}
+void WithoutPause() {
+}
 
 void ShowEX(int drive, ExLogStream& log) {
     Module1::cur_drive = drive;

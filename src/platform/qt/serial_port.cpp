@@ -110,7 +110,8 @@ bool QtSerial::TryToOpen() {
     port_.setFlowControl(QSerialPort::NoFlowControl);
     if (!port_.open(QIODevice::ReadWrite))
         return false; // OnError has told why
-    port_.setRequestToSend(true); // these fail where there are no such lines, and it does not matter
+    port_.setRequestToSend(
+        true); // these fail where there are no such lines, and it does not matter
     port_.setDataTerminalReady(true);
     return true;
 }
@@ -159,9 +160,8 @@ void QtSerial::OnError(QSerialPort::SerialPortError error) {
         return;
     const QString reason = port_.portName() + QStringLiteral(": ") + port_.errorString();
     // A port whose adapter has been pulled out tells so without end until it is closed.
-    if (port_.isOpen() &&
-        (error == QSerialPort::ResourceError || error == QSerialPort::ReadError ||
-         error == QSerialPort::WriteError))
+    if (port_.isOpen() && (error == QSerialPort::ResourceError || error == QSerialPort::ReadError ||
+                           error == QSerialPort::WriteError))
         port_.close();
     // The lines that are not there on a port without them come as one of these two.
     if (error != QSerialPort::UnsupportedOperationError && error != QSerialPort::UnknownError)
