@@ -29,7 +29,7 @@ class ImpatientSink : public ViewSink {
     }
 
   private:
-    int left_ = 3000000;
+    int left_ = 400000;
 };
 
 /// Takes the offer of silence at once, or never.

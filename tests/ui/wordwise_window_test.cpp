@@ -1,11 +1,9 @@
-#include "platform/qt/printing.h"
 #include "support/disc_builder.h"
 #include "support/view_test.h"
 #include "support/wordwise_documents.h"
 #include "view/wordwise/state.h"
 
 #include <QPointer>
-#include <QProcess>
 #include <QTextBlock>
 
 namespace quoravel {
@@ -78,32 +76,6 @@ TEST_F(WordwiseWindowTest, TheWindowIsWiderThanOthersButNotForARefusal) {
     EXPECT_EQ(Text(refused).width(), 611);
     EXPECT_EQ(Module1::a_exec, "01FFFF");
     EXPECT_TRUE(WordWise::Underline) << "only a document sets it back";
-}
-
-// Meant: the flags outlive the document.
-TEST_F(WordwiseWindowTest, ADocumentThatLeavesAStyleOnGivesItToTheNextView) {
-    PutDocument("one {DS}two");
-    EXPECT_NE(Show("FileViewAsWordwise"), nullptr);
-    EXPECT_EQ(StyledLine(Show("FileViewAsText"), 0).substr(0, 4), "one ");
-    EXPECT_TRUE(StyledLine(Module1::gViewForm.lock(), 0).ends_with(" is bold"));
-    PutDocument("plain");
-    EXPECT_EQ(StyledLine(Show("FileViewAsWordwise"), 0), "plain");
-}
-
-TEST_F(WordwiseWindowTest, ADocumentIsPrintedWithItsStyles) {
-    const PrintDialogs real = print_dialogs();
-    const auto pdf = folder.path() / "page.pdf";
-    print_dialogs().print = [&](QPrinter& printer) {
-        printer.setOutputFileName(QString::fromStdString(pdf.string()));
-        return true;
-    };
-    const View view = ShowDocument("L.THANKS");
-    Choose(view, "FilePrint");
-    print_dialogs() = real;
-    QProcess fonts;
-    fonts.start(QStringLiteral("pdffonts"), {QString::fromStdString(pdf.string())});
-    EXPECT_TRUE(fonts.waitForFinished());
-    EXPECT_TRUE(fonts.readAllStandardOutput().contains("Bold"));
 }
 
 // --- While a document that has no practical end fills its window.
