@@ -31,7 +31,7 @@ bool TellError() {
 
 /// Cuts the success line and what stands behind it off; true if it was there.
 bool CutSuccess(std::string& reply) {
-    const auto found = UpperCase(reply).find(kSuccessText);
+    const auto found = reply.find(kSuccessText); // by exact letters, unlike whole replies
     if (found == std::string::npos)
         return false;
     reply.erase(found);

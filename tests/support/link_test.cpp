@@ -54,7 +54,7 @@ std::shared_ptr<TransferWindow> DeskDouble::NewTransferWindow() {
     return window;
 }
 
-LinkTest::LinkTest() {
+LinkWorld::LinkWorld() {
     Module1::Init();
     Module1::TXAbort = Module1::gSerialPortOpen = Module1::RXTimeout = false;
     InstallLink(&port, &timer);
@@ -63,30 +63,30 @@ LinkTest::LinkTest() {
     desktop.program_folder = folder.path();
 }
 
-LinkTest::~LinkTest() {
+LinkWorld::~LinkWorld() {
     CloseTraceFile();
     InstallTracePane(nullptr);
     InstallLink(nullptr, nullptr);
 }
 
-void LinkTest::Arrive(int milliseconds, std::string_view bytes) {
+void LinkWorld::Arrive(int milliseconds, std::string_view bytes) {
     Later(milliseconds, [this, text = std::string(bytes)] { port.received += text; });
 }
 
-void LinkTest::Later(int milliseconds, std::function<void()> what) {
+void LinkWorld::Later(int milliseconds, std::function<void()> what) {
     later_.emplace(desktop.now + std::chrono::milliseconds(milliseconds), std::move(what));
 }
 
-void LinkTest::Cancel() {
+void LinkWorld::Cancel() {
     Module1::TXAbort = true;
 }
 
-void LinkTest::Trace() {
+void LinkWorld::Trace() {
     Module1::gTraceWindow = true;
     InstallTracePane(&pane);
 }
 
-std::vector<std::string> LinkTest::TraceLines() const {
+std::vector<std::string> LinkWorld::TraceLines() const {
     constexpr std::size_t kStamp = 20; // "2026-11-23 12:34:56 "
     std::vector<std::string> lines;
     std::istringstream text(pane.text);
@@ -97,7 +97,7 @@ std::vector<std::string> LinkTest::TraceLines() const {
     return lines;
 }
 
-void LinkTest::Pump() {
+void LinkWorld::Pump() {
     if (desktop.now > kLongestTest)
         throw std::runtime_error("this never ends");
     while (!later_.empty() && later_.begin()->first <= desktop.now)

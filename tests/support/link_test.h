@@ -102,12 +102,14 @@ class PaneDouble : public TracePane {
     std::string text;
 };
 
-/// A test of the link: a port, its timer, a micro at the other end, and a clock that only waiting
-/// moves. Ten seconds of waiting take none.
-class LinkTest : public testing::Test {
-  protected:
-    LinkTest();
-    ~LinkTest() override;
+/// What the link works on in a test: a port, its timer, a micro at the other end, and a clock that
+/// only waiting moves. Ten seconds of waiting take none.
+class LinkWorld {
+  public:
+    LinkWorld();
+    ~LinkWorld();
+    LinkWorld(const LinkWorld&) = delete;
+    LinkWorld& operator=(const LinkWorld&) = delete;
 
     /// Bytes that come down the line some milliseconds from now.
     void Arrive(int milliseconds, std::string_view bytes);
@@ -139,5 +141,7 @@ class LinkTest : public testing::Test {
 
     std::multimap<std::chrono::nanoseconds, std::function<void()>> later_;
 };
+
+class LinkTest : public testing::Test, protected LinkWorld {};
 
 } // namespace quoravel
