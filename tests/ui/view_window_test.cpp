@@ -56,9 +56,8 @@ TEST_F(ViewWindowTest, EachCommandOpensItsView) {
 
 TEST_F(ViewWindowTest, WithoutASelectedFileOnlyDiscViewsOpen) {
     ASSERT_EQ(Module1::mSelectedItem, -1);
-    for (const char* item :
-         {"FileViewAsText", "FileViewAsHex", "FileViewAsBasic", "FileDisassembleFile",
-          "FileViewAsWordwise"})
+    for (const char* item : {"FileViewAsText", "FileViewAsHex", "FileViewAsBasic",
+                             "FileDisassembleFile", "FileViewAsWordwise"})
         EXPECT_EQ(Show(item), nullptr) << item;
     for (const char* item : {"DiscViewAsCAT", "DiscViewAsEX", "DiscViewFreeSpaceMap"})
         EXPECT_NE(Show(item), nullptr) << item;
