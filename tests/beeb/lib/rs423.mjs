@@ -17,6 +17,7 @@ class Counters {
     overruns = 0; // bytes lost because the one before had not been fetched
     unheard = 0; // bytes that came while the port was not selected
     garbled = 0; // bytes sent at another rate than the one received at
+    longestWait = 0; // microseconds that a byte has lain in the chip; the next comes after 520
 }
 
 export class Rs423 {
@@ -104,6 +105,7 @@ export class Rs423 {
     }
 
     #readData() {
+        if (this.full) this.#noteWait();
         // The chip tells of an overrun only once the byte before it has been fetched.
         this.overrun = this.overrunWaits;
         this.full = this.overrunWaits;
@@ -111,6 +113,11 @@ export class Rs423 {
         this.framing = false;
         this.#updateIrq();
         return this.data;
+    }
+
+    #noteWait() {
+        const microseconds = (this.scheduler.epoch - this.arrived) / (CYCLES_PER_SECOND / 1e6);
+        this.count.longestWait = Math.max(this.count.longestWait, microseconds);
     }
 
     #wantsInterrupt() {
@@ -169,6 +176,7 @@ export class Rs423 {
             this.data = this.#garble(byte, rate);
             this.framing = this.data !== byte;
             this.full = true;
+            this.arrived = this.scheduler.epoch;
             this.count.received++;
         }
         this.#updateIrq();
