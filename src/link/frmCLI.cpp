@@ -15,6 +15,9 @@ namespace quoravel {
 
 namespace {
 
+constexpr std::size_t kFullPane = 1'000'000; // far more than a person reads
+constexpr int kCut = 500'000;
+
 /// Thrown into a wait for the micro when nobody looks at its answer any more.
 class ConsoleClosed {};
 
@@ -29,7 +32,10 @@ frmCLI::frmCLI() : frmDocument({"frmCLI", "rtbCLI", "CLI"}), txtCmd_(new QLineEd
     Connect(txtCmd_, &QLineEdit::returnPressed, this, [this] { txtCmd_KeyDown(); });
     menu().Handle("EditCut", [this] { txtCmd_->cut(); });
     menu().Handle("EditPaste", [this] { txtCmd_->paste(); });
-    menu().Handle("EditClear", [this] { txtCmd_->del(); });
+    menu().Handle("EditClear", [this] {
+        if (txtCmd_->hasSelectedText())
+            txtCmd_->del();
+    });
 }
 
 void frmCLI::Event_Open() {
@@ -64,13 +70,14 @@ void frmCLI::txtCmd_KeyDown() {
     const LinkUse use;
     if (!use)
         return;
-    const WaitWatch watch([this] {
-        if (IsClosed())
-            throw ConsoleClosed();
-    });
     try {
+        const WaitWatch watch([this] {
+            if (IsClosed())
+                throw ConsoleClosed();
+        });
         RunCommand(BytesOfScreenText(txtCmd_->text()));
-    } catch (const ConsoleClosed&) { // NOLINT(bugprone-empty-catch): so the command has ended
+    } catch (const ConsoleClosed&) {
+        Swallow_Rubbish(); // or the answer would be taken for that to the next command
     }
 }
 
@@ -85,6 +92,11 @@ void frmCLI::RunCommand(std::string_view command) {
 bool frmCLI::ShowOutput(std::string_view output) {
     if (IsClosed())
         return false;
+    if (rtb().Text().size() > kFullPane) { // a line that chatters does so without end
+        rtb().SetSelStart(0);
+        rtb().SetSelLength(kCut);
+        rtb().SetSelText({});
+    }
     rtb().SetSelStart(static_cast<int>(rtb().Text().size()));
     rtb().SetSelText(output);
     rtb().SetScrollPosition(static_cast<int>(rtb().Text().size())); // the last line

@@ -11,34 +11,22 @@
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QScrollBar>
+#include <QShortcut>
 
 #include <algorithm>
-#include <array>
+#include <string>
 
 namespace quoravel {
 
 namespace {
 
 constexpr QSize kNewSize(762, 359);
+constexpr char kBeyondLatin1 = 26; // as BytesOfScreenText gives it
 
-/// Keys that read a text and cannot change it.
+/// Keys that read a text and could not change one: those that type nothing, copy, select all.
 bool IsReadingKey(const QKeyEvent& key) {
-    static constexpr std::array keys{
-        QKeySequence::Copy,
-        QKeySequence::SelectAll,
-        QKeySequence::Close,
-        QKeySequence::MoveToNextLine,
-        QKeySequence::MoveToPreviousLine,
-        QKeySequence::MoveToNextPage,
-        QKeySequence::MoveToPreviousPage,
-        QKeySequence::MoveToStartOfDocument,
-        QKeySequence::MoveToEndOfDocument,
-        QKeySequence::SelectNextLine,
-        QKeySequence::SelectPreviousLine,
-        QKeySequence::SelectNextChar,
-        QKeySequence::SelectPreviousChar,
-    };
-    return std::ranges::any_of(keys, [&](auto standard) { return key.matches(standard); });
+    return key.text().isEmpty() || key.matches(QKeySequence::Copy) ||
+           key.matches(QKeySequence::SelectAll);
 }
 
 } // namespace
@@ -51,6 +39,8 @@ frmTrace::frmTrace() : rtbTrace_(new EditField(this)) {
     rtbTrace_->setObjectName(QStringLiteral("rtbTrace"));
     rtbTrace_->setAccessibleName(QStringLiteral("Trace"));
     rtbTrace_->installEventFilter(this);
+    auto* close_key = new QShortcut(QKeySequence::Close, this);
+    Connect(close_key, &QShortcut::activated, this, [this] { close(); });
     InstallTracePane(this);
 }
 
@@ -92,7 +82,9 @@ void frmTrace::Append(std::string_view utf8) {
     const QScrollBar& bar = *rtbTrace_->verticalScrollBar();
     const bool at_end = bar.value() == bar.maximum();
     rtbTrace_->SetSelStart(TextLength());
-    rtbTrace_->SetSelText(BytesOfScreenText(HostText(utf8)));
+    std::string bytes = BytesOfScreenText(HostText(utf8));
+    std::ranges::replace(bytes, kBeyondLatin1, '?'); // of a date in another script
+    rtbTrace_->SetSelText(bytes);
     if (at_end)
         rtbTrace_->SetScrollPosition(TextLength());
 }

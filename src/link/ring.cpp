@@ -92,7 +92,7 @@ int get_char(int timeout) {
         Yield();
         if (wait_check)
             wait_check();
-        if (Module1::RXTimeout)
+        if (Module1::RXTimeout && Module1::RXLen == 0)
             return kTimedOut;
     }
 }

@@ -325,6 +325,17 @@ std::optional<FileError> MakePrivateFolder(fs::path& folder) {
     return {};
 }
 
+std::optional<FileError> TakePlaceOf(const fs::path& file, const fs::path& made) {
+    const fs::path target = FollowLinks(file);
+    std::optional<struct stat> old;
+    if (auto error = LookAtOld(target, old))
+        return error;
+    if (::rename(made.c_str(), target.c_str()) != 0)
+        return LastError();
+    FlushToDisc(FolderOf(target));
+    return {};
+}
+
 GrowingFile::~GrowingFile() {
     Close();
 }

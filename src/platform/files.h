@@ -48,6 +48,11 @@ enum class Flush { Yes, No };
                                                    std::span<const std::uint8_t> bytes,
                                                    Flush flush = Flush::Yes);
 
+/// Gives the file `made` the name of `file`, which may exist: links are followed to their target
+/// and a write-protected file is refused. After an error both are as they were.
+[[nodiscard]] std::optional<FileError> TakePlaceOf(const std::filesystem::path& file,
+                                                   const std::filesystem::path& made);
+
 /// A file that comes to be piece by piece and bears its name meanwhile. Closed when it goes.
 class GrowingFile {
   public:

@@ -1,5 +1,7 @@
 #include "platform/folders.h"
 
+#include "platform/host.h"
+
 #include <algorithm>
 #include <dirent.h>
 #include <fcntl.h>
@@ -34,6 +36,7 @@ std::vector<FolderItem> ItemsOfFolder(const std::filesystem::path& folder) {
     if (!open)
         return items;
     while (const dirent* entry = ::readdir(open.get())) {
+        Yield(); // a folder can have hundreds of thousands
         const std::string_view name = entry->d_name;
         const unsigned char kind = KindOf(open.get(), *entry);
         if (name != "." && name != ".." && kind != DT_LNK)

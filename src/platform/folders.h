@@ -15,7 +15,7 @@ struct FolderItem {
 };
 
 /// The items of `folder` in the order of their names' bytes. Links are left out, to files and to
-/// folders alike. Of a folder that cannot be read, nothing.
+/// folders alike. Of a folder that cannot be read, nothing. Pumps events.
 [[nodiscard]] std::vector<FolderItem> ItemsOfFolder(const std::filesystem::path& folder);
 
 } // namespace quoravel

@@ -53,8 +53,9 @@ class frmMain : public QMainWindow, private StatusLine, private TransferDesk {
     void QuerySaveChanges();
 
     /// Loads an image file in the form that its name asks for and sets up the lists. Asks nothing
-    /// about unsaved changes. A file that cannot be read is told in a box and changes nothing.
-    void OpenDisc(const std::filesystem::path& file);
+    /// about unsaved changes. A file that cannot be read is told in a box, changes nothing and
+    /// gives false.
+    bool OpenDisc(const std::filesystem::path& file);
 
     enum class SaveResult { Saved, Cancelled, Failed };
 

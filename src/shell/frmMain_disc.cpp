@@ -28,12 +28,12 @@ std::optional<FileError> LoadDisc(const fs::path& file, std::optional<ImageForm>
 
 } // namespace
 
-void frmMain::OpenDisc(const fs::path& file) {
+bool frmMain::OpenDisc(const fs::path& file) {
     const std::string name = FileName(file);
     const auto form = FormOfName(name);
     if (const auto error = LoadDisc(file, form)) {
         host().MsgBox("Cannot open " + name + ": " + error->reason);
-        return;
+        return false;
     }
     // Meant: a file with none of the known endings loads nothing and is the current file all the
     // same, so that the next refresh shows its name and a plain save goes to it.
@@ -44,6 +44,7 @@ void frmMain::OpenDisc(const fs::path& file) {
         ShowBothSides();
     else if (form == ImageForm::Linear)
         ShowOneSide();
+    return true;
 }
 
 void frmMain::ShowBothSides() {

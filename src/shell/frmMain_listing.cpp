@@ -31,13 +31,14 @@ void frmMain::DiscEXDrive_Action() {
     if (!log)
         return;
     ListFolder(*folder, *log);
+    SetCurrentDrive(Module1::cur_drive); // which the listing has moved
     // Meant: the disc comes back from its file; changes that nobody wanted to save are gone.
-    if (Module1::gsFile.empty()) {
-        DiscNew80DSD();
-        SetCurrentDrive(0);
-    } else {
-        OpenDisc(Module1::gsFile);
-    }
+    if (!Module1::gsFile.empty() && OpenDisc(Module1::gsFile))
+        return;
+    // The last image of the listing must not be taken for a disc of the user's, nor saved as one.
+    Module1::gsFile.clear();
+    DiscNew80DSD();
+    SetCurrentDrive(0);
 }
 
 void frmMain::ListFolder(const std::filesystem::path& folder, const std::filesystem::path& log) {

@@ -62,7 +62,11 @@ class ExLogStream : public ViewSink {
             WriteText();
     }
 
-    void ShowHostText(std::string_view utf8) { text_ += utf8; }
+    void ShowHostText(std::string_view utf8) {
+        text_ += utf8;
+        if (text_.size() >= kPiece)
+            WriteText();
+    }
 
     [[nodiscard]] bool IsWritable() const { return !error_; }
 
@@ -73,13 +77,11 @@ class ExLogStream : public ViewSink {
         if (!error_)
             error_ = out_.Finish();
         std::error_code ignored;
-        std::error_code failed;
-        if (!error_)
-            fs::rename(growing_, file_, failed);
-        if (failed)
-            error_ = FileError{failed.message()};
-        if (error_)
+        if (error_) {
             fs::remove(growing_, ignored);
+        } else if ((error_ = TakePlaceOf(file_, growing_))) { // all of it is there, and stays
+            error_->reason += "; it is kept as " + FileName(growing_);
+        }
         return error_;
     }
 
@@ -133,25 +135,26 @@ void ListImage(const fs::path& image, ExLogStream& log) {
     ShowEX(1, log);
 }
 
-ImageAudit FindImages(const fs::path& folder, ListingProgress& progress) {
-    ImageAudit audit;
+void FindImages(ImageAudit& audit, const fs::path& folder, ListingProgress& progress) {
     audit.found = [&](int count) {
         progress.SetImages(count == 1 ? "Found 1 Image"
                                       : "Found " + std::to_string(count) + " Images");
     };
     AuditDirectories(audit, folder);
-    return audit;
 }
 
 } // namespace
 
 void ListImagesBelow(const fs::path& folder, const fs::path& log, ListingProgress& progress) {
     ExLogStream stream(log);
-    const ImageAudit audit = FindImages(folder, progress);
+    ImageAudit audit;
+    if (stream.IsWritable())
+        FindImages(audit, folder, progress);
     const std::size_t ImageCount = audit.ImageList.size();
     for (std::size_t i = 0; i < ImageCount && !Module1::gCancel && stream.IsWritable(); ++i) {
         ListImage(audit.ImageList[i], stream);
-        progress.SetProgress(static_cast<int>((i + 1) * 100 / ImageCount));
+        progress.SetProgress(
+            static_cast<int>(static_cast<double>(i + 1) / static_cast<double>(ImageCount) * 100));
         Yield();
     }
     if (const auto error = stream.Finish())

@@ -39,6 +39,11 @@ QString NameFilter(const FileType& type) {
         HostText(type.Name), patterns.isEmpty() ? QStringLiteral("*") : patterns.trimmed());
 }
 
+/// What a name without an extension gets; nothing for a type without any.
+QString FirstExtension(const FileType& type) {
+    return HostText(type.Extensions.substr(0, type.Extensions.find(';')));
+}
+
 std::optional<fs::path> PathUnlessCancelled(const QString& text) {
     return text.isEmpty() ? std::nullopt : std::optional(PathOfText(text));
 }
@@ -145,9 +150,13 @@ std::optional<fs::path> QtHost::AskOpenFile(const FileType& filter) {
 }
 
 std::optional<fs::path> QtHost::AskSaveFile(const FileType& filter, std::string_view proposal) {
-    return Chosen(PathUnlessCancelled(QFileDialog::getSaveFileName(
-        QApplication::activeWindow(), {}, QDir(PathText(last_folder_)).filePath(HostText(proposal)),
-        NameFilter(filter))));
+    QFileDialog dialog(QApplication::activeWindow(), {}, PathText(last_folder_),
+                       NameFilter(filter));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setDefaultSuffix(FirstExtension(filter)); // asks about the file that it then names
+    dialog.selectFile(HostText(proposal));
+    const bool accepted = dialog.exec() == QDialog::Accepted;
+    return Chosen(PathUnlessCancelled(accepted ? dialog.selectedFiles().value(0) : QString()));
 }
 
 std::optional<fs::path> QtHost::AskFolder() {

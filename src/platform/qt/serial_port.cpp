@@ -97,12 +97,15 @@ bool QtSerial::Open() {
 
 bool QtSerial::TryToOpen() {
     last_try_.start();
-    const std::vector<PortInfo> ports = path_ ? std::vector<PortInfo>() : SystemSerialPorts();
-    if (!path_ && ports.empty()) {
-        Report(QStringLiteral("There is no serial port"));
-        return false;
+    if (!path_) {
+        const std::vector<PortInfo> ports = SystemSerialPorts();
+        if (ports.empty()) {
+            Report(QStringLiteral("There is no serial port"));
+            return false;
+        }
+        path_ = ports.front().system_path; // and never another one, should it vanish
     }
-    port_.setPortName(path_ ? *path_ : ports.front().system_path);
+    port_.setPortName(*path_);
     port_.setBaudRate(profile_.Baud);
     port_.setDataBits(QSerialPort::Data8);
     port_.setParity(QSerialPort::NoParity);

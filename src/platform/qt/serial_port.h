@@ -34,7 +34,8 @@ class QtSerial : public QObject, public Serial {
     QtSerial(std::function<void()> data_available, std::function<void(const QString&)> trouble);
     ~QtSerial() override;
 
-    /// Takes the port of that path when it is next opened. Until then it is the machine's first.
+    /// Takes the port of that path when it is next opened. Without a choice it is the machine's
+    /// first port at the first opening.
     void Bind(const QString& system_path) { path_ = system_path; }
 
     void SetProfile(const SerialProfile& profile) override;
@@ -58,7 +59,7 @@ class QtSerial : public QObject, public Serial {
     std::function<void(const QString&)> trouble_;
     QSerialPort port_;
     SerialProfile profile_{19200};
-    std::optional<QString> path_; ///< nothing: the first port
+    std::optional<QString> path_; ///< nothing until a choice or the first opening
     bool wanted_ = false;         ///< opened by the program, whether the port is there or not
     bool handing_over_ = false;   ///< readyRead does not recurse, and neither do we
     QElapsedTimer last_try_;      ///< of opening
