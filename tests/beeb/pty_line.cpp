@@ -8,10 +8,10 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <fcntl.h>
 #include <poll.h>
 #include <span>
-#include <stdlib.h>
 #include <string>
 #include <string_view>
 #include <termios.h>
