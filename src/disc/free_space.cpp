@@ -36,7 +36,7 @@ SectorMap SectorsOfFiles(int drive) {
         const int first = StartSector(info);
         const int end = std::min(first + SectorsOf(FileLength(info)), kDriveSectors);
         for (int s = first; s < end; ++s)
-            used.set(static_cast<std::size_t>(s));
+            used[static_cast<std::size_t>(s)] = true;
     }
     return used;
 }
@@ -48,7 +48,7 @@ void GetFreeSpaceMap(int drive) {
     int run = 0;
     int first = GetRootSector(drive);
     for (int s = first; s < total; ++s) {
-        if (!used.test(static_cast<std::size_t>(s))) {
+        if (!used[static_cast<std::size_t>(s)]) {
             ++run;
             continue;
         }

@@ -5,6 +5,8 @@
 #include "platform/text.h"
 
 #include <algorithm>
+#include <array>
+#include <string_view>
 
 namespace quoravel {
 
@@ -12,14 +14,17 @@ namespace {
 
 /// The name of an entry as lists show it, or nothing where the listing ends.
 std::optional<std::string> ListedName(int entry) {
-    std::string name;
+    const auto at = [&](int i) {
+        return static_cast<char>(Module1::DiscImg.Byte(entry + i) & 127);
+    };
+    std::array<char, kDirectoryByte> bytes{};
     for (int i = 0; i < kDirectoryByte; ++i)
-        name += static_cast<char>(Module1::DiscImg.Byte(entry + i) & 127);
-    name.resize(std::min(name.size(), name.find('\r')));
+        bytes[static_cast<std::size_t>(i)] = at(i);
+    std::string_view name(bytes.data(), bytes.size());
+    name = name.substr(0, name.find('\r'));
     if (name.empty() || name.front() == '\0')
         return {};
-    const auto directory = static_cast<char>(Module1::DiscImg.Byte(entry + kDirectoryByte) & 127);
-    return std::string{directory, '.'}.append(Trim(name));
+    return std::string{at(kDirectoryByte), '.'}.append(Trim(name));
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <string>
 #include <utility>
 #include <vector>
@@ -28,8 +29,21 @@ using Step = void (*)();
 struct PageRow {
     std::string text; ///< of *CAT the name, of *EX the whole line
     std::string attr = " ";
-    std::string key; ///< sorted by: the text in capitals
+    std::string key;         ///< sorted by: the text in capitals
+    std::uint64_t start = 0; ///< of the key, its first bytes as a number that sorts like them
+
+    bool SortsBefore(const PageRow& other) const {
+        return start != other.start ? start < other.start : key < other.key;
+    }
 };
+
+/// The first eight bytes of `key`; a shorter one is as if zeros followed.
+std::uint64_t StartOf(std::string_view key) {
+    std::uint64_t start = 0;
+    for (std::size_t i = 0; i < sizeof start; ++i)
+        start = start << 8U | (i < key.size() ? static_cast<unsigned char>(key[i]) : 0U);
+    return start;
+}
 
 std::string Padded(std::string_view text, std::size_t width) {
     std::string padded(text.substr(0, width));
@@ -73,6 +87,7 @@ std::vector<PageRow> ReadRows(PageRow (*row_of)(const ListRow&), Step step) {
         PageRow& row = rows[static_cast<std::size_t>(i)];
         row = row_of(*file);
         row.key = UpperCase(row.text);
+        row.start = StartOf(row.key);
         step();
     }
     return rows;
@@ -85,7 +100,7 @@ std::vector<PageRow> ExchangeSorted(std::vector<PageRow> rows, Step step) {
     std::ranges::transform(rows, order.begin(), [](PageRow& row) { return &row; });
     for (std::size_t i = 0; i + 1 < order.size(); ++i) {
         for (std::size_t j = i + 1; j < order.size(); ++j) {
-            if (order[j]->key < order[i]->key)
+            if (order[j]->SortsBefore(*order[i]))
                 std::swap(order[i], order[j]);
             step();
         }

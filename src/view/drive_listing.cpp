@@ -122,7 +122,8 @@ void ShowEX(int drive, ExLogStream& log) {
 
 void ListImage(const fs::path& image, ExLogStream& log) {
     log.ShowHostText("\r\n" + Utf8Of(image) + "\r\n\r\n");
-    const auto form = FormOfName(FileName(image));
+    const std::string_view path = image.native();
+    const auto form = FormOfName(path.substr(path.rfind('/') + 1));
     const bool interleaved = form == ImageForm::Interleaved;
     if (const auto error = interleaved ? LoadDisc_DSD(image) : LoadDisc_SSD(image)) {
         log.ShowHostText("Cannot read: " + error->reason + "\r\n");
