@@ -79,3 +79,14 @@ for (const { model, kind, receive, send } of LIMITS) {
         assert.ok(sent <= send / 5 + START, `sent in ${sent} s`);
     });
 }
+
+for (const model of ["B-DFS1.2", "B1770", "Master"]) {
+    test(`No byte is lost to a ${model} when the line brings them in bursts`, async () => {
+        for (const atOnce of [2, 16, 4480]) {
+            const micro = await running(model);
+            micro.host.atOnce = atOnce;
+            timeBothWays(micro, "random", 3);
+            clean(micro);
+        }
+    });
+}

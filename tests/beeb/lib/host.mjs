@@ -29,6 +29,8 @@ export class Host {
         this.fromMicro = (byte) => [byte];
         /** Called before each step that a Cancel can end; a test throws `Cancelled` from it. */
         this.mayCancel = () => {};
+        /** How many bytes of a packet go out at once; an adapter may keep some back. */
+        this.atOnce = 1;
         /** The most that a transfer asks again before the test gives up. */
         this.patience = 10;
         beeb.onByte = (byte) => this.ring.push(...this.fromMicro(byte));
@@ -129,10 +131,10 @@ export class Host {
         const turn = this.response();
         if (!isSuccess(turn)) return this.#aborted(`no turn: ${JSON.stringify(turn)}`);
         const packet = pack(bytes);
-        for (const byte of packet) {
+        for (let at = 0; at < packet.length; at += this.atOnce) {
             this.mayCancel();
-            this.sendRaw([byte]);
-            this.beeb.runMs(PACE_MS);
+            this.sendRaw(packet.subarray(at, at + this.atOnce));
+            this.beeb.runMs(PACE_MS * this.atOnce);
         }
         const reply = this.response();
         if (reply.length < 3) return this.#aborted(`CRC line ${JSON.stringify(reply)}`);
