@@ -10,10 +10,17 @@
 
 namespace quoravel {
 
+namespace {
+
+constexpr int kLeastWidth = 320; // shows the title whole
+
+} // namespace
+
 frmSerial::frmSerial(QWidget* parent, QtSerial& serial)
     : QDialog(parent), serial_(serial), ports_(SystemSerialPorts()), popSP_(new QComboBox(this)) {
     setObjectName(QStringLiteral("frmSerial"));
     setWindowTitle(QStringLiteral("Select Serial Port"));
+    setMinimumWidth(kLeastWidth);
     popSP_->setObjectName(QStringLiteral("popSP"));
     for (const PortInfo& port : ports_)
         popSP_->addItem(port.Name);

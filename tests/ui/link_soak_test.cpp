@@ -1,0 +1,62 @@
+#include "disc/disc_block.h"
+#include "support/link_window_test.h"
+
+#include <gmock/gmock.h>
+
+namespace quoravel {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+/// Both sides of a disc: mostly empty, as discs are, with full and with awkward tracks between.
+Bytes WholeDisc() {
+    Bytes image(kDiscBytes);
+    for (std::size_t track = 0; track < 160; track += 23)
+        for (std::size_t i = 0; i < kTrackBytes; ++i)
+            image[track * kTrackBytes + i] = static_cast<std::uint8_t>(track % 2 == 0 ? i * 31 / 7
+                                                                       : i % 4 == 3   ? 65
+                                                                                      : 27);
+    return image;
+}
+
+using LinkSoak = LinkWindowTest;
+
+/// Some minutes: real time, a real line, every fault a line can have.
+TEST_F(LinkSoak, AWholeDiscGoesOutAndComesBackThroughALineThatFails) {
+    const Bytes image = WholeDisc();
+    int faults = 0;
+    micro.spoil = [&](CompanionDouble::Reply& reply) {
+        if (reply.bytes.size() < 8 || reply.number % 41 != 0)
+            return;
+        switch (faults++ % 3) {
+        case 0:
+            reply.bytes[reply.bytes.size() / 2] ^= 4; // changed
+            break;
+        case 1:
+            reply.bytes.erase(3, 1); // lost
+            break;
+        default:
+            reply.bytes.insert(5, 1, reply.bytes[5]); // doubled
+        }
+    };
+    int pieces = 0;
+    micro.garble = [&](std::string& bytes) {
+        if (++pieces % 9001 == 0 && !bytes.empty()) {
+            bytes[0] ^= 16;
+            ++faults;
+        }
+    };
+    desktop.files = {folder.File("out.dsd", image), folder.path() / "in.dsd"};
+    Choose("SendDSDDrive0");
+    for (std::size_t track = 0; track < 160; ++track)
+        EXPECT_TRUE(std::ranges::equal(
+            std::span(image).subspan(track * kTrackBytes, kTrackBytes),
+            std::span(micro.discs[track % 2 * 2]).subspan(track / 2 * kTrackBytes, kTrackBytes)))
+            << track;
+    Choose("ReceiveDSDDrive0");
+    EXPECT_EQ(BytesOf(folder.path() / "in.dsd"), image);
+    EXPECT_GE(faults, 6);
+}
+
+} // namespace
+} // namespace quoravel
