@@ -212,6 +212,8 @@ TEST_F(WordWiseTest, EveryDocumentEnds) {
         {"a line beyond the last position", "{LL999}{FI}ab\nc", Blanks(511) + "\rc"},
         {"as many commands as can wait", Repeated(39, "{ES}") + "{US}a{UE}b", "<u>ab"},
         {"more of them", Repeated(40, "{ES}") + "{US}a{UE}b", "ab"},
+        {"more places than they have room for", Repeated(20, "c{ES}") + "d{US}a{UE}b",
+         std::string(20, 'c') + "dab"},
     });
 }
 

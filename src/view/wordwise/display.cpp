@@ -37,12 +37,12 @@ void DisplayCharacter(int c) {
 }
 
 void DisplayOutputBuffer() {
+    const int last = state.OutputPointer; // the commands on the line may move it
     Yield();
     for (int i = 0; i < state.FLValue; ++i)
         DisplayCharacter(kSpace);
     state.StackPointer = 0;
     ObeyMark(state.OutputBuffer.Byte(0));
-    const int last = state.OutputPointer; // the commands on the line may move it
     for (int position = 1; position <= last; ++position) {
         const int byte = state.OutputBuffer.Byte(position);
         DisplayCharacter(byte & kCharacterBits);
