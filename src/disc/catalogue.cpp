@@ -164,9 +164,9 @@ std::string GetFileAttr(int name_entry) {
 int GetSectorsUsed(int drive) {
     SectorMap used = SectorsOfFiles(drive);
     for (int s = 0; s < GetRootSector(drive); ++s)
-        used.set(static_cast<std::size_t>(s));
+        used[static_cast<std::size_t>(s)] = 1;
     for (int s = GetNumberOfSectors(drive) - 1; s > 0; --s)
-        if (used.test(static_cast<std::size_t>(s)))
+        if (used[static_cast<std::size_t>(s)] != 0)
             return s;
     return 0;
 }

@@ -5,6 +5,7 @@
 #include "disc/sector_map.h"
 
 #include <algorithm>
+#include <cstring>
 #include <numeric>
 #include <span>
 
@@ -26,17 +27,31 @@ void RecordRegion(int drive, int first, int length) {
     ++count;
 }
 
+constexpr int kFree = 0;
+constexpr int kUsed = 1;
+
+/// The first sector of that kind from `from` on, or `end`.
+int FirstOf(int kind, const SectorMap& used, int from, int end) {
+    if (from >= end)
+        return end;
+    const auto* start = used.data() + from;
+    const auto* found = std::memchr(start, kind, static_cast<std::size_t>(end - from));
+    return found == nullptr
+               ? end
+               : static_cast<int>(static_cast<const std::uint8_t*>(found) - used.data());
+}
+
 } // namespace
 
 SectorMap SectorsOfFiles(int drive) {
-    SectorMap used;
+    SectorMap used{};
     const int files = GetNumberOfDirEntries(drive);
     for (int i = 0; i < files; ++i) {
         const int info = GetDirOffset(drive, i) + kInfoDistance;
         const int first = StartSector(info);
         const int end = std::min(first + SectorsOf(FileLength(info)), kDriveSectors);
         for (int s = first; s < end; ++s)
-            used[static_cast<std::size_t>(s)] = true;
+            used[static_cast<std::size_t>(s)] = 1;
     }
     return used;
 }
@@ -45,20 +60,12 @@ void GetFreeSpaceMap(int drive) {
     const int total = GetNumberOfSectors(drive);
     const SectorMap used = SectorsOfFiles(drive);
     Row(Module1::FreeSpaceNum, drive) = 0;
-    int run = 0;
-    int first = GetRootSector(drive);
-    for (int s = first; s < total; ++s) {
-        if (!used[static_cast<std::size_t>(s)]) {
-            ++run;
-            continue;
-        }
-        if (run > 0)
-            RecordRegion(drive, first, run);
-        run = 0;
-        first = s + 1;
+    for (int first = GetRootSector(drive); first < total;) {
+        const int end = FirstOf(kUsed, used, first, total);
+        if (end > first)
+            RecordRegion(drive, first, end - first);
+        first = FirstOf(kFree, used, end, total);
     }
-    if (run > 0)
-        RecordRegion(drive, first, run);
 }
 
 int FreeSectors(int drive) {

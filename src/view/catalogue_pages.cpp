@@ -5,7 +5,6 @@
 #include "disc/module1.h"
 #include "platform/text.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <string>
@@ -27,13 +26,26 @@ using Step = void (*)();
 
 /// A row of a page. One that the listing ended before stays as it is made here.
 struct PageRow {
-    std::string text; ///< of *CAT the name, of *EX the whole line
-    std::string attr = " ";
-    std::string key;         ///< sorted by: the text in capitals
-    std::uint64_t start = 0; ///< of the key, its first bytes as a number that sorts like them
+    std::string_view text;   ///< of *CAT the name, of *EX the whole line
+    std::string_view key;    ///< sorted by: the text in capitals
+    std::uint64_t start = 0; ///< the first bytes of the key, as a number that sorts like them
+    char attr = ' ';
 
-    bool SortsBefore(const PageRow& other) const {
+    [[nodiscard]] bool SortsBefore(const PageRow& other) const {
         return start != other.start ? start < other.start : key < other.key;
+    }
+};
+
+/// The rows of a page, one for each file that the disc counts, and the bytes that they look at.
+struct Page {
+    std::string texts;
+    std::vector<PageRow> rows;
+
+    /// Puts `text` behind the others. There is room, so none of them moves.
+    std::string_view Add(std::string_view text) {
+        const std::size_t at = texts.size();
+        texts += text;
+        return std::string_view(texts).substr(at);
     }
 };
 
@@ -61,61 +73,56 @@ unsigned CycleNumber(unsigned byte) {
 }
 
 /// Blanks in place of "$." bring the files of $ to the front.
-PageRow CatRow(const ListRow& file) {
+std::string CatText(const ListRow& file) {
     const bool in_dollar = file.FileName.front() == '$';
-    return {in_dollar ? std::string(kGap).append(file.FileName, 2) : file.FileName, file.Attr, {}};
+    return in_dollar ? std::string(kGap).append(file.FileName, 2) : file.FileName;
 }
 
-PageRow EXRow(const ListRow& file) {
+std::string EXText(const ListRow& file) {
     std::string line;
     line.reserve(kEXLine);
     line.append(file.FileName, 0, kNameWidth).resize(kNameWidth, ' ');
     for (const std::string* cell : {&file.Attr, &file.Load, &file.Exec, &file.Size, &file.Sector})
         line.append(kGap).append(*cell);
-    return {std::move(line), {}, {}};
+    return line;
 }
 
-/// The rows of a page in catalogue order, one for each file that the disc counts; `row_of` makes
-/// one of a file. Those after the end of the listing stay empty.
-std::vector<PageRow> ReadRows(PageRow (*row_of)(const ListRow&), Step step) {
-    const int files = GetNumberOfDirEntries(Module1::cur_drive);
-    std::vector<PageRow> rows(static_cast<std::size_t>(files));
-    for (int i = 0; i < files; ++i) {
+/// The rows of a page in catalogue order; `text_of` gives that of a file, up to kEXLine bytes.
+/// Those after the end of the listing stay empty.
+Page ReadRows(std::string (*text_of)(const ListRow&), Step step) {
+    Page page;
+    page.rows.resize(static_cast<std::size_t>(GetNumberOfDirEntries(Module1::cur_drive)));
+    page.texts.reserve(2 * kEXLine * (page.rows.size() + 1)); // a text and its key each
+    for (int i = 0; i < std::ssize(page.rows); ++i) {
         const auto file = ListFile(GetDirOffset(Module1::cur_drive, i));
         if (!file)
             break;
-        PageRow& row = rows[static_cast<std::size_t>(i)];
-        row = row_of(*file);
-        row.key = UpperCase(row.text);
+        PageRow& row = page.rows[static_cast<std::size_t>(i)];
+        row.text = page.Add(text_of(*file));
+        row.key = page.Add(UpperCase(row.text));
         row.start = StartOf(row.key);
+        row.attr = file->Attr.front();
         step();
     }
-    return rows;
+    return page;
 }
 
 /// Sorts by the keys. Meant: an exchange can carry one of two equal keys past the other, where a
 /// stable sort would keep their order.
-std::vector<PageRow> ExchangeSorted(std::vector<PageRow> rows, Step step) {
-    std::vector<PageRow*> order(rows.size());
-    std::ranges::transform(rows, order.begin(), [](PageRow& row) { return &row; });
-    for (std::size_t i = 0; i + 1 < order.size(); ++i) {
-        for (std::size_t j = i + 1; j < order.size(); ++j) {
-            if (order[j]->SortsBefore(*order[i]))
-                std::swap(order[i], order[j]);
+void ExchangeSort(std::vector<PageRow>& rows, Step step) {
+    for (std::size_t i = 0; i + 1 < rows.size(); ++i) {
+        for (std::size_t j = i + 1; j < rows.size(); ++j) {
+            if (rows[j].SortsBefore(rows[i]))
+                std::swap(rows[i], rows[j]);
             step();
         }
         step();
     }
-    std::vector<PageRow> sorted;
-    sorted.reserve(order.size());
-    for (PageRow* row : order)
-        sorted.push_back(std::move(*row));
-    return sorted;
 }
 
 /// The first character of a row, or nothing.
 std::string_view FirstOf(const PageRow& row) {
-    return std::string_view(row.text).substr(0, 1);
+    return row.text.substr(0, 1);
 }
 
 std::string CatField(const PageRow& row) {
@@ -161,12 +168,18 @@ void ListHeader(int start, ViewSink& sink) {
 
 void ListCat(ViewSink& sink) {
     ListHeader(GetStartSectorOfDrive(Module1::cur_drive), sink);
-    PrintFields(ExchangeSorted(ReadRows(CatRow, Yield), Yield), sink);
+    Page page = ReadRows(CatText, Yield);
+    ExchangeSort(page.rows, Yield);
+    PrintFields(page.rows, sink);
 }
 
 void ListEX(ViewSink& sink, void (*step)()) {
-    for (PageRow& row : ExchangeSorted(ReadRows(EXRow, step), step)) {
-        sink.ShowData(row.text += kBreak);
+    Page page = ReadRows(EXText, step);
+    ExchangeSort(page.rows, step);
+    std::string line;
+    for (const PageRow& row : page.rows) {
+        line.assign(row.text).append(kBreak);
+        sink.ShowData(line);
         step();
     }
 }
