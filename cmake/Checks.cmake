@@ -4,7 +4,7 @@
 #   check-layers  no file includes what its room may not know   (check_layers.cmake has the rules)
 # The fuzzers' targets are in tests/fuzz, the benchmarks' in bench.
 
-set(code_files src tests bench ( -name *.cpp -o -name *.h ))
+set(code_files src tests bench -name node_modules -prune -o ( -name *.cpp -o -name *.h ))
 set(layer_check ${CMAKE_COMMAND} -P ${PROJECT_SOURCE_DIR}/cmake/check_layers.cmake)
 set(qt_path_check ${CMAKE_COMMAND} -P ${PROJECT_SOURCE_DIR}/cmake/check_qt_path.cmake)
 

@@ -28,7 +28,7 @@ QLabel* AddLabel(QWidget& window, QVBoxLayout& column, const QString& name, cons
 
 } // namespace
 
-frmRX::frmRX() {
+frmRX::frmRX() : pb_(new QProgressBar(this)) {
     setObjectName(QStringLiteral("frmRX"));
     setWindowTitle(QStringLiteral("Receive Disc Image"));
     setMinimumWidth(kLeastWidth);
@@ -37,7 +37,6 @@ frmRX::frmRX() {
         AddLabel(*this, *column, QStringLiteral("lblTtl"), QStringLiteral("Receive In Progress"));
     lblRX_ = AddLabel(*this, *column, QStringLiteral("lblRX"),
                       QStringLiteral("Receiving Track 0 of 159"));
-    pb_ = new QProgressBar(this);
     pb_->setObjectName(QStringLiteral("pb"));
     pb_->setAccessibleName(QStringLiteral("Progress"));
     pb_->setRange(0, 100);

@@ -32,7 +32,7 @@ void TraceLine(const Parts&... parts) {
         if constexpr (requires { std::to_string(part); })
             line += std::to_string(part);
         else
-            line += std::string_view(part);
+            line += std::string_view(part); // NOLINT(*-array-to-pointer-decay): most are literals
     };
     (add(parts), ...);
     ShowData(line + '\r');

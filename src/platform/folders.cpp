@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <dirent.h>
 #include <fcntl.h>
+#include <iterator>
 #include <memory>
 #include <string_view>
 #include <sys/stat.h>
@@ -23,7 +24,7 @@ unsigned char KindOf(DIR* folder, const dirent& entry) {
 
     if (entry.d_type != DT_UNKNOWN)
         return entry.d_type;
-    if (::fstatat(::dirfd(folder), entry.d_name, &status, AT_SYMLINK_NOFOLLOW) != 0)
+    if (::fstatat(::dirfd(folder), std::data(entry.d_name), &status, AT_SYMLINK_NOFOLLOW) != 0)
         return DT_LNK; // gone since: as good as a link
     return static_cast<unsigned char>(IFTODT(status.st_mode));
 }
@@ -37,12 +38,12 @@ std::vector<FolderItem> ItemsOfFolder(const std::filesystem::path& folder) {
         return items;
     while (const dirent* entry = ::readdir(open.get())) {
         Yield(); // a folder can have hundreds of thousands
-        const std::string_view name = entry->d_name;
+        const std::string_view name = std::data(entry->d_name);
         const unsigned char kind = KindOf(open.get(), *entry);
         if (name != "." && name != ".." && kind != DT_LNK)
             items.push_back({std::string(name), kind == DT_DIR});
     }
-    std::ranges::sort(items);
+    std::ranges::sort(items, {}, &FolderItem::name);
     return items;
 }
 

@@ -10,8 +10,6 @@ namespace quoravel {
 struct FolderItem {
     std::string name; ///< the host's bytes
     bool is_folder;
-
-    auto operator<=>(const FolderItem&) const = default;
 };
 
 /// The items of `folder` in the order of their names' bytes. Links are left out, to files and to

@@ -73,9 +73,17 @@ QtSerial::QtSerial(std::function<void()> data_available,
                    std::function<void(const QString&)> trouble)
     : data_available_(std::move(data_available)), trouble_(std::move(trouble)) {
     setObjectName(QStringLiteral("Serial1"));
+    reporting_.setSingleShot(true);
+    reporting_.setInterval(0);
+    Connect(&reporting_, &QTimer::timeout, this, [this] { TellTroubles(); });
     Connect(&port_, &QSerialPort::readyRead, this, [this] { HandOver(); });
     Connect(&port_, &QSerialPort::errorOccurred, this,
             [this](QSerialPort::SerialPortError error) { OnError(error); });
+}
+
+void QtSerial::TellTroubles() {
+    while (!troubles_.isEmpty())
+        trouble_(troubles_.takeFirst());
 }
 
 QtSerial::~QtSerial() {
@@ -190,8 +198,8 @@ void QtSerial::Drain() {
 
 /// Told from the event loop, as the port may be in the middle of anything.
 void QtSerial::Report(const QString& reason) {
-    QMetaObject::invokeMethod(
-        this, [this, reason] { Guarded([&] { trouble_(reason); }); }, Qt::QueuedConnection);
+    troubles_.push_back(reason);
+    reporting_.start();
 }
 
 QtTimer::QtTimer(std::function<void()> action) {

@@ -4,6 +4,7 @@
 
 #include <QElapsedTimer>
 #include <QSerialPort>
+#include <QStringList>
 #include <QTimer>
 
 #include <functional>
@@ -54,6 +55,7 @@ class QtSerial : public QObject, public Serial {
     void OnError(QSerialPort::SerialPortError error);
     void Drain();
     void Report(const QString& reason);
+    void TellTroubles();
 
     std::function<void()> data_available_;
     std::function<void(const QString&)> trouble_;
@@ -63,6 +65,8 @@ class QtSerial : public QObject, public Serial {
     bool wanted_ = false;         ///< opened by the program, whether the port is there or not
     bool handing_over_ = false;   ///< readyRead does not recurse, and neither do we
     QElapsedTimer last_try_;      ///< of opening
+    QStringList troubles_;        ///< not told yet
+    QTimer reporting_;
 };
 
 /// A timer of Qt's.
