@@ -1,7 +1,9 @@
 #include "disc/disc_block.h"
 #include "support/link_window_test.h"
 
+#include <chrono>
 #include <gmock/gmock.h>
+#include <iostream>
 
 namespace quoravel {
 namespace {
@@ -45,6 +47,14 @@ TEST_F(LinkSoak, AWholeDiscGoesOutAndComesBackThroughALineThatFails) {
             bytes[0] ^= 16;
             ++faults;
         }
+    };
+    auto told = std::chrono::steady_clock::now();
+    desktop.on_pump = [&] {
+        if (std::chrono::steady_clock::now() - told < std::chrono::seconds(20))
+            return;
+        told = std::chrono::steady_clock::now();
+        std::cout << micro.heard.size() << " messages, the last " << micro.heard.back() << ", "
+                  << faults << " faults" << std::endl;
     };
     desktop.files = {folder.File("out.dsd", image), folder.path() / "in.dsd"};
     Choose("SendDSDDrive0");

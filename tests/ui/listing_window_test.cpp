@@ -14,7 +14,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::ElementsAre;
-using testing::HasSubstr;
 
 /// A tree of blank images, and a clock with which every Yield pumps.
 class ListingWindowTest : public MainWindowTest {
