@@ -10,14 +10,14 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-/// Both sides of a disc: mostly empty, as discs are, with full and with awkward tracks between.
+/// Both sides of a disc: mostly empty, as discs are, with full tracks between, some with as many
+/// escapes as a micro may send.
 Bytes WholeDisc() {
     Bytes image(kDiscBytes);
     for (std::size_t track = 0; track < 160; track += 23)
         for (std::size_t i = 0; i < kTrackBytes; ++i)
-            image[track * kTrackBytes + i] = static_cast<std::uint8_t>(track % 2 == 0 ? i * 31 / 7
-                                                                       : i % 4 == 3   ? 65
-                                                                                      : 27);
+            image[track * kTrackBytes + i] =
+                static_cast<std::uint8_t>(track % 2 == 1 && i % 16 == 3 ? 27 : i * 31 / 7);
     return image;
 }
 
