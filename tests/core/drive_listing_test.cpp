@@ -168,5 +168,15 @@ TEST_F(DriveListingTest, ALogThatCannotBeWrittenIsToldAndTheOldOneStays) {
     EXPECT_THAT(folder.Names(), ElementsAre("empty", "exall.txt", "tree"));
 }
 
+TEST_F(DriveListingTest, AFinishedListingThatCannotTakeItsNameIsKept) {
+    Touch("a.ssd");
+    fs::create_directory(folder.path() / "exall.txt");
+    ListImagesBelow(tree, folder.path() / "exall.txt", progress);
+    EXPECT_THAT(host.TakeBoxTexts(),
+                ElementsAre("Cannot save exall.txt: Is a directory; it is kept "
+                            "as exall.txt.part"));
+    EXPECT_THAT(TextOf(folder.path() / "exall.txt.part"), HasSubstr("a.ssd"));
+}
+
 } // namespace
 } // namespace quoravel

@@ -40,6 +40,14 @@ TEST_F(LinkRingTest, AReadWaitsAsLongAsItIsTold) {
     EXPECT_FALSE(timer.Enabled());
 }
 
+TEST_F(LinkRingTest, BytesThatCameWhileABoxStoodAreNoTimeout) {
+    Later(10, [this] { desktop.now += std::chrono::milliseconds(300); });
+    Arrive(100, "A");
+    EXPECT_EQ(get_char(200), 'A');
+    Arrive(200, "B"); // in the very turn in which the time is over
+    EXPECT_EQ(get_char(200), 'B');
+}
+
 TEST_F(LinkRingTest, TheRingGoesRoundWithoutLoss) {
     for (int round = 0; round < 4; ++round) {
         const std::string sent(20001, static_cast<char>('A' + round));
