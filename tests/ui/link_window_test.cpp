@@ -168,10 +168,14 @@ TEST_F(LinkWindowTest, TheConsoleShowsWhatACommandPrints) {
              EXPECT_EQ(txtCmd->text(), QStringLiteral("NONE"));
              EXPECT_TRUE(desktop.boxes ==
                          std::vector<ScriptedHost::Box>({{"Bad command", "* Command Error"}}));
+             desktop.files = {folder.path() / "session.txt"};
+             console->findChild<QAction*>(QStringLiteral("FileSaveFile"))->trigger();
              console->close();
          });
     Choose("TavriloCli");
     EXPECT_EQ(Find("frmCLI"), nullptr);
+    EXPECT_EQ(desktop.proposals.back(), "");
+    EXPECT_EQ(TextOf(folder.path() / "session.txt"), "DEMO (04)\r\nDrive 0\r\n\n");
 }
 
 TEST_F(LinkWindowTest, ClosingTheConsoleDuringACommandEndsItAtOnce) {
