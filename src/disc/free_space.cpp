@@ -30,12 +30,12 @@ void RecordRegion(int drive, int first, int length) {
 constexpr int kFree = 0;
 constexpr int kUsed = 1;
 
-/// The first sector of that kind from `from` on, or `end`.
-int FirstOf(int kind, const SectorMap& used, int from, int end) {
-    if (from >= end)
-        return end;
+/// The first sector of that kind from `from` on, or `total`.
+int FirstOf(int kind, const SectorMap& used, int from, int total) {
+    if (from >= total)
+        return total;
     const auto* start = used.data() + from;
-    const auto* found = std::memchr(start, kind, static_cast<std::size_t>(end - from));
+    const auto* found = std::memchr(start, kind, static_cast<std::size_t>(total - from));
     return found == nullptr
                ? end
                : static_cast<int>(static_cast<const std::uint8_t*>(found) - used.data());

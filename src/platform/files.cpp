@@ -358,6 +358,7 @@ std::optional<FileError> GrowingFile::Create(const fs::path& file) {
     return error;
 }
 
+// NOLINTNEXTLINE(readability-make-member-function-const): what changes is the file
 std::optional<FileError> GrowingFile::WriteAt(std::uint64_t offset, Bytes bytes) {
     if (::lseek(fd_, static_cast<off_t>(offset), SEEK_SET) < 0)
         return LastError();

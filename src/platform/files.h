@@ -87,8 +87,8 @@ class GrowingFile {
 /// folder of an installed package (../share/quoravel). Nothing if it is in neither.
 [[nodiscard]] std::optional<std::filesystem::path> ShippedFile(std::string_view name);
 
-/// `file` in UTF-8, as FileName gives its last part.
-[[nodiscard]] std::string Utf8Of(const std::filesystem::path& file);
+/// `path` in UTF-8, as FileName gives its last part.
+[[nodiscard]] std::string Utf8Of(const std::filesystem::path& path);
 
 /// The last part of `file` in UTF-8, as titles and messages show it. Bytes that are not UTF-8 are
 /// shown as the Latin-1 characters that they would be.

@@ -123,7 +123,7 @@ void frmMain::TraceTrouble(const QString& reason) {
 void frmMain::CloseLinkWindows() {
     if (const auto transfer = transfer_.lock())
         transfer->Close();
-    if (frmTr_)
+    if (!frmTr_.isNull())
         frmTr_->close();
 }
 

@@ -127,7 +127,7 @@ void EmbeddedCommandSequence() {
         int option = 0;
         const cmdTable* cmd = nullptr;
         FindCommand(option, cmd);
-        if (!state.CarryFlag) {
+        if (cmd != nullptr && !state.CarryFlag) {
             state.InputPointer += kAroundCommand;
             CommandType1(*cmd);
             SkipCommand();
