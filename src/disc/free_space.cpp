@@ -37,7 +37,7 @@ int FirstOf(int kind, const SectorMap& used, int from, int total) {
     const auto* start = used.data() + from;
     const auto* found = std::memchr(start, kind, static_cast<std::size_t>(total - from));
     return found == nullptr
-               ? end
+               ? total
                : static_cast<int>(static_cast<const std::uint8_t*>(found) - used.data());
 }
 
