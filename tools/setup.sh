@@ -3,7 +3,7 @@
 # shellcheck shell=bash disable=SC2034,SC2154
 
 packages_build=(g++ cmake ninja-build libexpat1-dev libpugixml-dev qt6-base-dev
-    libqt6serialport6-dev)
+    qt6-serialport-dev)
 packages_tests=(libgtest-dev libgmock-dev libplist-utils poppler-utils qt6-multimedia-dev)
 packages_emulator=(nodejs npm)
 packages_checks=(clang libclang-rt-dev clang-format clang-tidy python3)
