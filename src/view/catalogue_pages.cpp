@@ -40,13 +40,6 @@ struct PageRow {
 struct Page {
     std::string texts;
     std::vector<PageRow> rows;
-
-    /// Puts `text` behind the others. There is room, so none of them moves.
-    std::string_view Add(std::string_view text) {
-        const std::size_t at = texts.size();
-        texts += text;
-        return std::string_view(texts).substr(at);
-    }
 };
 
 /// The first eight bytes of `key`; a shorter one is as if zeros followed.
@@ -73,23 +66,23 @@ unsigned CycleNumber(unsigned byte) {
 }
 
 /// Blanks in place of "$." bring the files of $ to the front.
-std::string CatText(const ListRow& file) {
-    const bool in_dollar = file.FileName.front() == '$';
-    return in_dollar ? std::string(kGap).append(file.FileName, 2) : file.FileName;
+void AddCatText(const ListRow& file, std::string& texts) {
+    if (file.FileName.front() == '$')
+        texts.append(kGap).append(file.FileName, 2);
+    else
+        texts += file.FileName;
 }
 
-std::string EXText(const ListRow& file) {
-    std::string line;
-    line.reserve(kEXLine);
-    line.append(file.FileName, 0, kNameWidth).resize(kNameWidth, ' ');
+void AddEXText(const ListRow& file, std::string& texts) {
+    const std::size_t end_of_name = texts.size() + kNameWidth;
+    texts.append(file.FileName, 0, kNameWidth).resize(end_of_name, ' ');
     for (const std::string* cell : {&file.Attr, &file.Load, &file.Exec, &file.Size, &file.Sector})
-        line.append(kGap).append(*cell);
-    return line;
+        texts.append(kGap).append(*cell);
 }
 
-/// The rows of a page in catalogue order; `text_of` gives that of a file, up to kEXLine bytes.
+/// The rows of a page in catalogue order; `add_text` adds that of a file, up to kEXLine bytes.
 /// Those after the end of the listing stay empty.
-Page ReadRows(std::string (*text_of)(const ListRow&), Step step) {
+Page ReadRows(void (*add_text)(const ListRow&, std::string&), Step step) {
     Page page;
     page.rows.resize(static_cast<std::size_t>(GetNumberOfDirEntries(Module1::cur_drive)));
     page.texts.reserve(2 * kEXLine * (page.rows.size() + 1)); // a text and its key each
@@ -98,8 +91,12 @@ Page ReadRows(std::string (*text_of)(const ListRow&), Step step) {
         if (!file)
             break;
         PageRow& row = page.rows[static_cast<std::size_t>(i)];
-        row.text = page.Add(text_of(*file));
-        row.key = page.Add(UpperCase(row.text));
+        const std::size_t text = page.texts.size();
+        add_text(*file, page.texts); // there is room, so none of the texts moves
+        row.text = std::string_view(page.texts).substr(text);
+        const std::size_t key = page.texts.size();
+        page.texts += UpperCase(row.text);
+        row.key = std::string_view(page.texts).substr(key);
         row.start = StartOf(row.key);
         row.attr = file->Attr.front();
         step();
@@ -168,13 +165,13 @@ void ListHeader(int start, ViewSink& sink) {
 
 void ListCat(ViewSink& sink) {
     ListHeader(GetStartSectorOfDrive(Module1::cur_drive), sink);
-    Page page = ReadRows(CatText, Yield);
+    Page page = ReadRows(AddCatText, Yield);
     ExchangeSort(page.rows, Yield);
     PrintFields(page.rows, sink);
 }
 
 void ListEX(ViewSink& sink, void (*step)()) {
-    Page page = ReadRows(EXText, step);
+    Page page = ReadRows(AddEXText, step);
     ExchangeSort(page.rows, step);
     std::string line;
     for (const PageRow& row : page.rows) {
