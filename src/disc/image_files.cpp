@@ -3,6 +3,7 @@
 #include "disc/catalogue.h"
 #include "disc/free_space.h"
 #include "disc/module1.h"
+#include "platform/saving.h"
 #include "platform/text.h"
 
 #include <algorithm>

@@ -6,6 +6,7 @@
 #include "exchange/sidecar.h"
 #include "platform/files.h"
 #include "platform/host.h"
+#include "platform/saving.h"
 #include "platform/text.h"
 
 #include <span>

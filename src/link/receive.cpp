@@ -6,6 +6,7 @@
 #include "link/transfer.h"
 #include "link/transfer_steps.h"
 #include "platform/files.h"
+#include "platform/growing_file.h"
 #include "platform/host.h"
 
 #include <optional>

@@ -1,6 +1,7 @@
 #include "link/trace.h"
 
 #include "platform/files.h"
+#include "platform/growing_file.h"
 #include "platform/host.h"
 #include "platform/text.h"
 

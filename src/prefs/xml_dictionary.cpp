@@ -1,6 +1,7 @@
 #include "prefs/xml_dictionary.h"
 
 #include "platform/files.h"
+#include "platform/saving.h"
 #include "prefs/xml_parser.h"
 #include "prefs/xml_tree.h"
 

@@ -5,6 +5,7 @@
 #include "platform/host.h"
 #include "platform/qt/edit_field.h"
 #include "platform/qt/guard.h"
+#include "platform/saving.h"
 #include "platform/text.h"
 #include "prefs/xml_preferences.h"
 #include "shell/frmPlace.h"

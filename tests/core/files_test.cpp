@@ -1,5 +1,6 @@
 #include "disc/image_files.h"
 #include "platform/files.h"
+#include "platform/saving.h"
 #include "support/disc_test.h"
 #include "support/host_faults.h"
 #include "support/temp_folder.h"
