@@ -5,6 +5,7 @@
 #include "link/track_link.h"
 #include "link/transfer.h"
 #include "link/transfer_steps.h"
+#include "platform/backup.h"
 #include "platform/files.h"
 #include "platform/growing_file.h"
 #include "platform/host.h"
@@ -99,7 +100,16 @@ Ending ReceiveTracks(Reception& disc, TransferWindow& window, std::optional<File
     return error ? Ending::WriteFailed : Ending::Complete;
 }
 
+/// The file is the disc's from its first track on, so what it held is kept while it is there: a
+/// transfer can end after half a disc.
+void KeepOldImage(const fs::path& file) {
+    std::uint64_t length = 0;
+    if (!LengthOfFile(file, length) && length > 0)
+        static_cast<void>(KeepCopy(file)); // the user has agreed to lose it
+}
+
 bool Receive(Reception& disc, TransferDesk& desk, const fs::path& file) {
+    KeepOldImage(file);
     auto error = disc.image.Create(file);
     if (error) {
         TellFileError("Cannot write", file, error->reason);

@@ -4,6 +4,7 @@
 #include "disc/module1.h"
 #include "exchange/drag_folder.h"
 #include "link/windows.h"
+#include "platform/backup.h"
 #include "platform/qt/menu_bar.h"
 #include "platform/qt/serial_port.h"
 #include "view/frmView.h"
@@ -18,13 +19,12 @@
 #include <string>
 #include <vector>
 
-class QFrame;
-class QLabel;
 class QTimer;
 
 namespace quoravel {
 
 class Listbox;
+class StatusBox;
 class frmTrace;
 
 /// The main window: the start and the end of the program, the catalogues of the loaded disc image
@@ -59,8 +59,9 @@ class frmMain : public QMainWindow, private StatusLine, private TransferDesk {
 
     enum class SaveResult { Saved, Cancelled, Failed };
 
-    /// Saves to `file`, or asks for a file if it is empty, in the form that the name asks for. A
-    /// save that fails is told in a box and leaves everything as it was.
+    /// Saves to `file`, or asks for a file if it is empty, in the form that the name asks for. The
+    /// first save over a file that was opened keeps a copy of it as it was. A save that fails is
+    /// told in a box and leaves everything as it was.
     SaveResult DiscSave(const std::filesystem::path& file);
 
     // A new blank image in place of the one in memory. gsFile stays as it is: a plain save still
@@ -86,6 +87,7 @@ class frmMain : public QMainWindow, private StatusLine, private TransferDesk {
     void Event_Close();
     void Event_Resized();
 
+    [[nodiscard]] bool KeepCopyOf(const std::filesystem::path& file, const std::string& name);
     void DiscOpenDiscImage_Action();
     void DiscSaveDiscImage_Action();
     void DiscSaveDiscImageAs_Action();
@@ -150,8 +152,7 @@ class frmMain : public QMainWindow, private StatusLine, private TransferDesk {
 
     struct Pane {
         Listbox* lvwDB;
-        QFrame* StatusBox;
-        QLabel* MsgText;
+        StatusBox* Status;
     };
 
     QWidget* content_;
@@ -163,6 +164,7 @@ class frmMain : public QMainWindow, private StatusLine, private TransferDesk {
     std::weak_ptr<TransferWindow> transfer_;
     bool listing_ = false; ///< a folder is being listed
     DragFolder dragged_;
+    OpenedFiles opened_;
     Views views_;
     MenuBar menu_;
 };

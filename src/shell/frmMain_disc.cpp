@@ -39,6 +39,7 @@ bool frmMain::OpenDisc(const fs::path& file) {
     // same, so that the next refresh shows its name and a plain save goes to it.
     Module1::gsRoot = name;
     Module1::gsFile = file;
+    opened_.Note(file);
     host().StartDialogsIn(file.parent_path());
     if (form == ImageForm::Interleaved)
         ShowBothSides();
@@ -73,6 +74,13 @@ void frmMain::SetContentWidth(int width) {
         resize(width, height());
 }
 
+bool frmMain::KeepCopyOf(const fs::path& file, const std::string& name) {
+    const auto error = opened_.KeepCopyOf(file);
+    return !error || host().AskYesNo("No copy of the old " + name + " could be kept: " +
+                                         error->reason + ". Save all the same ?",
+                                     "Changes cannot be undone");
+}
+
 frmMain::SaveResult frmMain::DiscSave(const fs::path& file) {
     fs::path target = file;
     if (target.empty()) {
@@ -84,6 +92,8 @@ frmMain::SaveResult frmMain::DiscSave(const fs::path& file) {
     // The name decides the form, not the disc in memory: without ".DSD" the second side is left
     // out.
     const std::string name = FileName(target);
+    if (!KeepCopyOf(target, name))
+        return SaveResult::Failed;
     const bool interleaved = FormOfName(name) == ImageForm::Interleaved;
     if (const auto error = interleaved ? SaveDisc_DSD(target) : SaveDisc_SSD(target)) {
         host().MsgBox("Cannot save " + name + ": " + error->reason);

@@ -1,4 +1,5 @@
 #include "disc/image_files.h"
+#include "platform/backup.h"
 #include "platform/files.h"
 #include "platform/saving.h"
 #include "support/disc_test.h"
@@ -6,8 +7,10 @@
 #include "support/temp_folder.h"
 
 #include <algorithm>
+#include <chrono>
 #include <gmock/gmock.h>
 #include <optional>
+#include <set>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
@@ -151,7 +154,7 @@ TEST_F(Files, AFailedSaveLeavesTheOldFileWholeAndTheDiscChanged) {
         EXPECT_EQ(TextOf(file), "old");
         EXPECT_EQ(folder.Names(), names) << "nothing is left behind";
     }
-    EXPECT_THAT(Copies(), ElementsAre("disc.dsd", "disc.dsd.1")) << "of the last row alone";
+    EXPECT_THAT(Copies(), ElementsAre("disc-1.dsd", "disc.dsd")) << "of the last row alone";
 }
 
 TEST_F(Files, ASaveKeepsThePermissions) {
@@ -192,9 +195,9 @@ TEST_F(Files, InAClosedFolderTheFileIsWrittenInPlaceAfterACopyIsKept) {
         EXPECT_EQ(TextOf(file), text);
     }
     EXPECT_EQ(StatusOf(file).st_ino, inode);
-    EXPECT_THAT(Copies(), ElementsAre("disc.dsd", "disc.dsd.1", "disc.dsd.2"));
+    EXPECT_THAT(Copies(), ElementsAre("disc-1.dsd", "disc-2.dsd", "disc.dsd"));
     EXPECT_EQ(TextOf(state.path() / "backup" / "disc.dsd"), "old");
-    EXPECT_EQ(TextOf(state.path() / "backup" / "disc.dsd.2"), "short");
+    EXPECT_EQ(TextOf(state.path() / "backup" / "disc-2.dsd"), "short");
     desktop.state_folder.reset();
     const AsNobody permissions_count;
     EXPECT_TRUE(ReplaceFile(file, BytesOfText("new"))) << "no copy, no save";
@@ -212,6 +215,37 @@ TEST_F(Files, SomebodyElsesFileInAFolderLikeTmpIsWrittenInPlace) {
     EXPECT_EQ(StatusOf(file).st_uid, 0U);
     EXPECT_THAT(folder.Names(), ElementsAre("disc.dsd"));
     EXPECT_THAT(Copies(), ElementsAre("disc.dsd"));
+}
+
+TEST_F(Files, TheFirstSaveOverAnOpenedFileKeepsACopyByWhateverNameItIsSaved) {
+    fs::create_symlink("disc.dsd", folder.path() / "link.dsd");
+    OpenedFiles opened;
+    EXPECT_FALSE(opened.KeepCopyOf(file)) << "nobody has opened it";
+    opened.Note(folder.path() / "link.dsd");
+    for (int save = 0; save < 2; ++save)
+        EXPECT_FALSE(opened.KeepCopyOf(file));
+    EXPECT_THAT(Copies(), ElementsAre("disc.dsd"));
+    EXPECT_EQ(TextOf(state.path() / "backup" / "disc.dsd"), "old");
+    EXPECT_EQ(StatusOf(state.path() / "backup").st_mode & 07777U, 0700U);
+    opened.Note(file);
+    fs::remove(file);
+    EXPECT_FALSE(opened.KeepCopyOf(file)) << "there is nothing to keep";
+}
+
+TEST_F(Files, OfTheCopiesTheNewestFiftyStay) {
+    std::set<std::string> kept;
+    for (int i = 0; i < 52; ++i) {
+        ASSERT_FALSE(ReplaceFile(file, BytesOfText(std::to_string(i)), Flush::No));
+        const auto copy = KeepCopy(file);
+        ASSERT_TRUE(std::holds_alternative<fs::path>(copy));
+        // The system's clock for files stands still for some milliseconds.
+        fs::last_write_time(std::get<fs::path>(copy),
+                            fs::file_time_type::clock::now() - std::chrono::hours(100 - i));
+    }
+    for (const std::string& name : Copies())
+        kept.insert(TextOf(state.path() / "backup" / name));
+    EXPECT_EQ(kept.size(), 50U);
+    EXPECT_FALSE(kept.contains("0") || kept.contains("1")) << "the oldest";
 }
 
 TEST(FileNames, AreShownInUtf8) {

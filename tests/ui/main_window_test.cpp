@@ -177,6 +177,32 @@ TEST_F(MainWindowTest, AFailedSaveIsToldAndLeavesEverythingAsItWas) {
     EXPECT_EQ(Module1::gsFile, disc);
 }
 
+TEST_F(MainWindowTest, AFirstSaveThatShortensTheOpenedFileKeepsItAsItWas) {
+    const auto file = folder.File("long.ssd", std::string(204800, '\0'));
+    const auto backup = folder.path() / "state" / "backup";
+    ASSERT_TRUE(window->OpenDisc(file));
+    for (int save = 0; save < 2; ++save)
+        Choose("DiscSaveDiscImage");
+    EXPECT_EQ(fs::file_size(file), 256U);
+    EXPECT_EQ(fs::file_size(backup / "long.ssd"), 204800U);
+    EXPECT_FALSE(fs::exists(backup / "long-1.ssd")) << "only what the user opened is kept";
+}
+
+TEST_F(MainWindowTest, WhenNoCopyCanBeKeptTheUserDecides) {
+    const auto file = folder.File("long.ssd", std::string(1000, '\0'));
+    desktop.state_folder.reset();
+    for (const bool save : {false, true}) {
+        ASSERT_TRUE(window->OpenDisc(file));
+        Module1::gDirty = true;
+        desktop.yes_no = {save};
+        Choose("DiscSaveDiscImage");
+        EXPECT_EQ(desktop.questions.back().text, "No copy of the old long.ssd could be kept: No "
+                                                 "folder for a safety copy. Save all the same ?");
+        EXPECT_EQ(fs::file_size(file), save ? 256U : 1000U);
+        EXPECT_EQ(Module1::gDirty, !save);
+    }
+}
+
 TEST_F(MainWindowTest, WhenTheSaveOfAQuestionFailsAnotherPlaceIsOffered) {
     fs::create_directory(folder.path() / "usb");
     fs::copy_file(CopyOfDisc("demo-dual.dsd"), folder.path() / "usb/disc.dsd");
