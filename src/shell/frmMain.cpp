@@ -13,8 +13,6 @@
 #include "shell/menus.h"
 
 #include <QCloseEvent>
-#include <QFrame>
-#include <QLabel>
 #include <QLayout>
 #include <QMenu>
 #include <QMenuBar>

@@ -5,19 +5,16 @@
 #include "platform/qt/busy_cursor.h"
 #include "platform/qt/guard.h"
 #include "platform/qt/listbox.h"
+#include "platform/qt/status_box.h"
 #include "platform/qt/text.h"
 #include "shell/frmMain.h"
 
-#include <QFrame>
 #include <QLabel>
 #include <QMenu>
 
 namespace quoravel {
 
 namespace {
-
-constexpr int kStatusHeight = 20;
-constexpr int kStatusMargin = 20; // on each side of the status text
 
 QString NameOf(const char* control, int drive) {
     return QStringLiteral("%1(%2)").arg(QLatin1StringView(control)).arg(drive);
@@ -29,13 +26,11 @@ void frmMain::BuildPane(int drive) {
     auto* list = new Listbox(content_);
     list->setObjectName(NameOf("lvwDB", drive));
     list->setAccessibleName(QStringLiteral("Files of drive %1").arg(drive));
-    auto* box = new QFrame(content_);
+    auto* box = new StatusBox(content_);
     box->setObjectName(NameOf("StatusBox", drive));
-    box->setFrameShape(QFrame::StyledPanel);
-    auto* text = new QLabel(box);
-    text->setObjectName(NameOf("MsgText", drive));
-    text->setTextFormat(Qt::PlainText);
-    panes_[static_cast<std::size_t>(drive)] = {list, box, text};
+    box->setAccessibleName(QStringLiteral("Status of drive %1").arg(drive));
+    box->Text().setObjectName(NameOf("MsgText", drive));
+    panes_[static_cast<std::size_t>(drive)] = {list, box};
 
     ConnectList(*list, drive);
 }
@@ -82,9 +77,7 @@ bool frmMain::IsTwoSided() const {
 }
 
 void frmMain::SetMsgText(int drive, std::string_view text) {
-    QLabel& label = *panes_[static_cast<std::size_t>(drive)].MsgText;
-    label.setText(ScreenText(text));
-    label.setToolTip(ScreenText(text)); // a narrow window cuts the line short
+    panes_[static_cast<std::size_t>(drive)].Status->SetText(text);
 }
 
 void frmMain::MakeRootColumns(int drive) {
@@ -112,13 +105,13 @@ void frmMain::GetRootTitles(int drive) {
 }
 
 void frmMain::SizeControls(int width) {
-    const int status_top = content_->height() - kStatusHeight;
+    const int height = panes_[0].Status->LeastHeight();
+    const int status_top = content_->height() - height;
     const auto place = [&](Pane& pane, int left) {
         pane.lvwDB->setGeometry(left, 0, width, status_top);
-        pane.StatusBox->setGeometry(left, status_top, width, kStatusHeight);
-        pane.MsgText->setGeometry(kStatusMargin, 0, width - 2 * kStatusMargin, kStatusHeight);
+        pane.Status->setGeometry(left, status_top, width, height);
     };
-    panes_[1].StatusBox->setVisible(IsTwoSided()); // and with it the text inside
+    panes_[1].Status->setVisible(IsTwoSided()); // and with it the text inside
     place(panes_[0], 0);
     if (IsTwoSided())
         place(panes_[1], width);
