@@ -3,9 +3,11 @@
 #include "platform/qt/guard.h"
 #include "platform/qt/text.h"
 
+#include <QClipboard>
 #include <QContextMenuEvent>
 #include <QDrag>
 #include <QDropEvent>
+#include <QGuiApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -17,6 +19,18 @@
 #include <utility>
 
 namespace quoravel {
+
+namespace {
+
+constexpr float kGreyness = 0.25F; // of rows that commands do not act on
+
+QColor Mixed(const QColor& base, const QColor& text) {
+    const auto mix = [](float a, float b) { return a + (b - a) * kGreyness; };
+    return QColor::fromRgbF(mix(base.redF(), text.redF()), mix(base.greenF(), text.greenF()),
+                            mix(base.blueF(), text.blueF()));
+}
+
+} // namespace
 
 /// Makes the editors of cells and tells the list what happens in them.
 class Listbox::CellEditor : public QStyledItemDelegate {
@@ -144,16 +158,27 @@ void Listbox::SelectOnly(int row) {
 }
 
 void Listbox::SetCurrent(bool current) {
+    current_ = current;
+    ShowWhetherCurrent();
+}
+
+/// The grey comes from the desktop's colours, which may change while the program runs.
+void Listbox::ShowWhetherCurrent() {
+    const QPalette desktop = QGuiApplication::palette();
     QPalette colours;
-    if (!current) {
-        for (const auto group : {QPalette::Active, QPalette::Inactive}) {
-            colours.setBrush(group, QPalette::Highlight,
-                             palette().brush(QPalette::Disabled, QPalette::Highlight));
-            colours.setBrush(group, QPalette::HighlightedText,
-                             palette().brush(QPalette::Active, QPalette::HighlightedText));
-        }
+    if (!current_) {
+        const QColor text = desktop.color(QPalette::Active, QPalette::Text);
+        colours.setColor(QPalette::Highlight,
+                         Mixed(desktop.color(QPalette::Active, QPalette::Base), text));
+        colours.setColor(QPalette::HighlightedText, text);
     }
     setPalette(colours);
+}
+
+void Listbox::changeEvent(QEvent* event) {
+    QTreeWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        ShowWhetherCurrent();
 }
 
 bool Listbox::EditCell(int row, int column) {
@@ -188,18 +213,26 @@ void Listbox::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint) {
     Q_EMIT EditEnded();
 }
 
-void Listbox::startDrag(Qt::DropActions) {
-    std::vector<std::filesystem::path> dragged;
-    Guarded([&] { dragged = DragRow(); });
+/// The files of the chosen rows for another program; nothing if there are none.
+std::unique_ptr<QMimeData> Listbox::ChosenFiles() {
+    std::vector<std::filesystem::path> chosen;
+    Guarded([&] { chosen = DragRow(); });
     QList<QUrl> urls;
-    for (const auto& file : dragged)
+    for (const auto& file : chosen)
         urls.append(QUrl::fromLocalFile(PathText(file)));
     if (urls.isEmpty())
-        return;
-    auto* offer = new QMimeData;
+        return nullptr;
+    auto offer = std::make_unique<QMimeData>();
     offer->setUrls(urls);
+    return offer;
+}
+
+void Listbox::startDrag(Qt::DropActions) {
+    auto offer = ChosenFiles();
+    if (offer == nullptr)
+        return;
     auto* drag = new QDrag(this); // Qt deletes both when it is over
-    drag->setMimeData(offer);
+    drag->setMimeData(offer.release());
     drag->exec(Qt::CopyAction);
 }
 
@@ -214,13 +247,18 @@ void Listbox::dragMoveEvent(QDragMoveEvent* event) {
 }
 
 void Listbox::dropEvent(QDropEvent* event) {
-    std::vector<std::filesystem::path> files;
-    for (const QUrl& url : event->mimeData()->urls())
-        if (url.isLocalFile())
-            files.push_back(PathOfUrl(url));
     event->setDropAction(Qt::CopyAction);
     event->accept();
-    Q_EMIT DropObject(files);
+    TakeFiles(*event->mimeData());
+}
+
+void Listbox::TakeFiles(const QMimeData& offer) {
+    std::vector<std::filesystem::path> files;
+    for (const QUrl& url : offer.urls())
+        if (url.isLocalFile())
+            files.push_back(PathOfUrl(url));
+    if (!files.empty())
+        Q_EMIT DropObject(files);
 }
 
 void Listbox::focusInEvent(QFocusEvent* event) {
@@ -253,20 +291,34 @@ void Listbox::mouseMoveEvent(QMouseEvent* event) {
         QTreeWidget::mouseMoveEvent(event);
 }
 
-void Listbox::keyPressEvent(QKeyEvent* event) {
-    if (event->matches(QKeySequence::SelectAll)) {
+/// Keys that stand for commands; true if it was one. Copy and paste do what drag and drop do.
+bool Listbox::TakeKey(const QKeyEvent& key) {
+    if (key.matches(QKeySequence::SelectAll)) {
         Q_EMIT SelectAllRequested();
-        return;
-    }
-    if (event->key() == Qt::Key_F2 && event->modifiers() == Qt::NoModifier) {
+    } else if (key.matches(QKeySequence::Copy)) {
+        if (auto files = ChosenFiles())
+            QGuiApplication::clipboard()->setMimeData(files.release());
+    } else if (key.matches(QKeySequence::Paste)) {
+        if (const QMimeData* offer = QGuiApplication::clipboard()->mimeData())
+            TakeFiles(*offer);
+    } else if (key.key() == Qt::Key_F2 && key.modifiers() == Qt::NoModifier) {
         if (currentIndex().isValid())
             Q_EMIT RenameRequested(currentIndex().row());
-        return;
+    } else {
+        return false;
     }
+    return true;
+}
+
+/// Home on the first row moves nowhere and chooses it nevertheless, as a click would; otherwise
+/// the only file of a list could not be chosen by key.
+void Listbox::keyPressEvent(QKeyEvent* event) {
+    if (TakeKey(*event))
+        return;
     const int before = currentIndex().row();
     QTreeWidget::keyPressEvent(event);
     const int after = currentIndex().row();
-    if (after >= 0 && after != before)
+    if (after >= 0 && (after != before || event->isAccepted()))
         Q_EMIT RowChange(after);
 }
 

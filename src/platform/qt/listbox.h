@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -47,8 +48,8 @@ class Listbox : public QTreeWidget {
     /// Commits the open edit, if there is one.
     void CommitEdit();
 
-    /// Asked when the selected rows are dragged away, and must be set: the files to offer, all of
-    /// which exist. None: no drag begins.
+    /// Asked when the selected rows are dragged away or copied, and must be set: the files to
+    /// offer, all of which exist. None: no drag begins.
     std::function<std::vector<std::filesystem::path>()> DragRow;
 
   Q_SIGNALS:
@@ -56,7 +57,7 @@ class Listbox : public QTreeWidget {
     void GotFocus();
     /// A mouse button went down on a cell; x and y in pixels within the list.
     void CellClick(int row, int column, int x, int y);
-    /// A key moved to another row.
+    /// A key moved to a row, or chose the one where it is.
     void RowChange(int row);
     /// Every row is wanted, by the keys that the desktop has for it.
     void SelectAllRequested();
@@ -68,12 +69,13 @@ class Listbox : public QTreeWidget {
     void CellKeyDown(int row, int column, int key);
     /// An edit is over, however it ended: committed, given up, or its row is gone.
     void EditEnded();
-    /// Files were dropped here.
+    /// Files were dropped or pasted here.
     void DropObject(std::vector<std::filesystem::path> files);
     /// A menu for the chosen rows is asked for at a place on the screen.
     void ContextualClick(QPoint where);
 
   protected:
+    void changeEvent(QEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
@@ -90,10 +92,15 @@ class Listbox : public QTreeWidget {
     class CellEditor;
 
     void PlaceColumns();
+    void ShowWhetherCurrent();
+    bool TakeKey(const QKeyEvent& key);
+    [[nodiscard]] std::unique_ptr<QMimeData> ChosenFiles();
+    void TakeFiles(const QMimeData& offer);
 
     std::vector<int> percentages_;
     QPointer<QWidget> editor_; ///< of the cell that is being edited
     QPersistentModelIndex edited_;
+    bool current_ = true;         ///< commands act on this list
     bool committed_ = false;      ///< the text of the open editor has gone into its cell
     bool by_key_ = false;         ///< the open edit is being ended by a key
     bool pressed_beside_ = false; ///< the mouse went down where there is no row

@@ -5,6 +5,7 @@
 
 #include <QMenu>
 #include <QMenuBar>
+#include <QShortcut>
 
 namespace quoravel {
 
@@ -23,6 +24,7 @@ constexpr const char* kHasHandler = "hasHandler";
 
 MenuBar::MenuBar(QMenuBar& bar, std::span<const MenuItem> table) : bar_(bar) {
     Fill(bar, table);
+    AddKeys();
 }
 
 void MenuBar::Fill(QWidget& menu, std::span<const MenuItem> items) {
@@ -34,6 +36,22 @@ void MenuBar::Fill(QWidget& menu, std::span<const MenuItem> items) {
     }
 }
 
+/// Captions without a mnemonic are meant to be without; their menus open by Alt and their first
+/// letter all the same, and the first of all by the desktop's key for menus.
+void MenuBar::AddKeys() {
+    const auto open_by = [this](const QKeySequence& keys, QAction* menu) {
+        auto* shortcut = new QShortcut(keys, &bar_);
+        Connect(shortcut, &QShortcut::activated, &bar_, [this, menu] {
+            bar_.setActiveAction(menu);
+            menu->menu()->setActiveAction(menu->menu()->actions().constFirst());
+        });
+    };
+    open_by(Qt::Key_F10, bar_.actions().constFirst());
+    for (QAction* menu : bar_.actions())
+        if (!menu->text().contains(u'&'))
+            open_by(QStringLiteral("Alt+") + menu->text().front(), menu);
+}
+
 QMenu* MenuBar::AddMenu(QWidget& parent, const MenuItem& item) {
     auto* menu = new QMenu(HostText(item.Text), &parent);
     menu->setObjectName(HostText(item.Name));
@@ -43,9 +61,10 @@ QMenu* MenuBar::AddMenu(QWidget& parent, const MenuItem& item) {
 }
 
 QAction* MenuBar::AddItem(QWidget& menu, const MenuItem& item) {
-    auto* action = new QAction(HostText(item.Text), &menu);
+    const bool is_separator = item.Text == "-"; // which is no text to be shown
+    auto* action = new QAction(is_separator ? QString() : HostText(item.Text), &menu);
     action->setObjectName(HostText(item.Name));
-    action->setSeparator(item.Text == "-");
+    action->setSeparator(is_separator);
     action->setShortcut(KeysOf(item.KeyboardShortcut));
     action->setCheckable(item.Checkable);
     action->setMenuRole(QAction::NoRole);

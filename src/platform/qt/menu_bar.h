@@ -35,6 +35,7 @@ class MenuBar {
 
   private:
     void Fill(QWidget& menu, std::span<const MenuItem> items);
+    void AddKeys();
     QMenu* AddMenu(QWidget& parent, const MenuItem& item);
     QAction* AddItem(QWidget& menu, const MenuItem& item);
     void EnableMenuItems();
