@@ -12,6 +12,7 @@ TEST(Place, AWindowThatNoScreenShowsMovesInsideTheNearest) {
         const char* what;
         QRect stored;
         QPoint becomes;
+        QSize size = {800, 600};
     };
 
     for (const Row& row : {
@@ -22,12 +23,14 @@ TEST(Place, AWindowThatNoScreenShowsMovesInsideTheNearest) {
              Row{"right of everything", {9000, 50, 800, 600}, {2400, 50}},
              Row{"below", {100, 5000, 800, 600}, {100, 424}},
              Row{"title bar above the screens", {100, -300, 800, 600}, {100, 0}},
-             Row{"larger than any screen", {-9000, -9000, 5000, 4000}, {0, 0}},
+             Row{"on a screen that is gone", {3300, 400, 800, 600}, {2400, 400}},
+             Row{"larger than all screens", {-9000, -9000, 32000, 4000}, {0, 0}, {1280, 1024}},
+             Row{"from larger screens", {100, 50, 3840, 900}, {1280, 50}, {1920, 900}},
          }) {
         SCOPED_TRACE(row.what);
         const QRect placed = InsideSomeScreen(row.stored, screens);
         EXPECT_EQ(placed.topLeft(), row.becomes);
-        EXPECT_EQ(placed.size(), row.stored.size());
+        EXPECT_EQ(placed.size(), row.size);
     }
 }
 

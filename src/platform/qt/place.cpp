@@ -30,6 +30,14 @@ int Fit(int start, int length, int low, int high) {
     return std::max(low, std::min(start, high - length + 1));
 }
 
+/// A size may come from larger screens, or from a file that says anything.
+bool IsLargerThan(const QList<QRect>& screens, const QRect& window) {
+    QRect all;
+    for (const QRect& screen : screens)
+        all |= screen;
+    return window.width() > all.width() || window.height() > all.height();
+}
+
 } // namespace
 
 QSize ScreenSize() {
@@ -37,13 +45,15 @@ QSize ScreenSize() {
 }
 
 QRect InsideSomeScreen(const QRect& window, const QList<QRect>& screens) {
-    if (std::ranges::any_of(screens, [&](const QRect& s) { return CanBeReached(window, s); }))
+    const auto reached = [&](const QRect& screen) { return CanBeReached(window, screen); };
+    if (std::ranges::any_of(screens, reached) && !IsLargerThan(screens, window))
         return window;
     const QRect screen = *std::ranges::min_element(
         screens, {}, [&](const QRect& s) { return DistanceFrom(s, window.center()); });
-    return {Fit(window.left(), window.width(), screen.left(), screen.right()),
-            Fit(window.top(), window.height(), screen.top(), screen.bottom()), window.width(),
-            window.height()};
+    const QSize size = window.size().boundedTo(screen.size());
+    return {{Fit(window.left(), size.width(), screen.left(), screen.right()),
+             Fit(window.top(), size.height(), screen.top(), screen.bottom())},
+            size};
 }
 
 QRect InsideSomeScreen(const QRect& window) {
