@@ -7,25 +7,24 @@
 
 #include <QLabel>
 #include <QPushButton>
+#include <QVBoxLayout>
 
 namespace quoravel {
 
 namespace {
 
-constexpr QSize kSize(366, 252);
+constexpr QSize kSize(366, 252); // with letters of the usual size; large ones need more
 constexpr std::string_view kMail = "hello@quoravel.example";
 constexpr std::string_view kMailLink = "mailto:hello@quoravel.example?subject=Quoravel";
 constexpr std::string_view kWeb = "https://quoravel.example/";
-constexpr int kLineHeight = 24;
 
-/// A centred line of text across the window.
+/// A centred line of text. Of a link only the words react, not the whole width of the window.
 template<class Label>
-Label& AddLine(QWidget& window, const char* name, std::string_view text, int top) {
-    auto* label = new Label(&window);
+Label& AddLine(QVBoxLayout& column, const char* name, std::string_view text) {
+    auto* label = new Label;
     label->setObjectName(QLatin1StringView(name));
     label->setText(HostText(text));
-    label->setAlignment(Qt::AlignCenter);
-    label->setGeometry(0, top, kSize.width(), kLineHeight);
+    column.addWidget(label, 0, Qt::AlignCenter);
     return *label;
 }
 
@@ -34,34 +33,27 @@ Label& AddLine(QWidget& window, const char* name, std::string_view text, int top
 frmAbout::frmAbout(QWidget* parent) : QDialog(parent) {
     setObjectName(QStringLiteral("frmAbout"));
     setWindowTitle(QStringLiteral("About Quoravel"));
-    setFixedSize(kSize);
     setWindowModality(Qt::ApplicationModal);
 
-    QLabel& name = AddLine<QLabel>(*this, "StaticText3", "Quoravel", 28);
+    auto* column = new QVBoxLayout(this);
+    QLabel& name = AddLine<QLabel>(*column, "StaticText3", "Quoravel");
     QFont large = name.font();
     large.setPointSizeF(large.pointSizeF() * 1.6);
     large.setBold(true);
     name.setFont(large);
-    AddLine<QLabel>(*this, "StaticText2", "For the floppy discs of the BBC Microcomputer", 64);
-    AddLine<QLabel>(*this, "lblVersion", "Version", 92).setText(QStringLiteral("2.0.0"));
-    // Only the words react, not the whole width of the window.
-    const auto shrink = [](QWidget& link) {
-        const QPoint middle = link.geometry().center();
-        link.adjustSize();
-        link.move(middle - link.rect().center());
-    };
-    LinkLabel& mail = AddLine<LinkLabel>(*this, "StaticText11", kMail, 128);
-    LinkLabel& web = AddLine<LinkLabel>(*this, "StaticText12", kWeb, 156);
-    shrink(mail);
-    shrink(web);
+    AddLine<QLabel>(*column, "StaticText2", "For the floppy discs of the BBC Microcomputer");
+    AddLine<QLabel>(*column, "lblVersion", "Version").setText(QStringLiteral("2.0.0"));
+    LinkLabel& mail = AddLine<LinkLabel>(*column, "StaticText11", kMail);
+    LinkLabel& web = AddLine<LinkLabel>(*column, "StaticText12", kWeb);
     Connect(&mail, &LinkLabel::MouseDown, this, [this] { OpenLink(kMailLink); });
     Connect(&web, &LinkLabel::MouseDown, this, [this] { OpenLink(kWeb); });
 
     auto* ok = new QPushButton(QStringLiteral("OK"), this);
     ok->setObjectName(QStringLiteral("cmdOK"));
     ok->setDefault(true);
-    ok->setGeometry((kSize.width() - 80) / 2, 204, 80, 28);
+    column->addWidget(ok, 0, Qt::AlignCenter);
     ok->setFocus();
+    setFixedSize(kSize.expandedTo(sizeHint()));
     Connect(ok, &QPushButton::clicked, this, [this] { accept(); });
 }
 

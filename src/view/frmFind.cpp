@@ -10,10 +10,15 @@
 
 namespace quoravel {
 
+namespace {
+
+constexpr QSize kSize(300, 100); // with letters of the usual size; large ones need more
+
+} // namespace
+
 frmFind::frmFind(QWidget* parent) : QDialog(parent), txtFind_(new QLineEdit(this)) {
     setObjectName(QStringLiteral("frmFind"));
     setWindowTitle(QStringLiteral("Find"));
-    setFixedSize(300, 100);
     txtFind_->setObjectName(QStringLiteral("txtFind"));
     txtFind_->setText(ScreenText(Module1::gStr));
     txtFind_->selectAll();
@@ -25,6 +30,7 @@ frmFind::frmFind(QWidget* parent) : QDialog(parent), txtFind_(new QLineEdit(this
     auto* form = new QFormLayout(this);
     form->addRow(label, txtFind_);
     form->addRow(MakeButtons(*this, "OK", [this] { cmdOK_Action(); }));
+    setFixedSize(kSize.expandedTo(sizeHint()));
 }
 
 void frmFind::cmdOK_Action() {

@@ -231,9 +231,16 @@ void EditField::PaintMarks(const QTextBlock& line, const QRectF& place) {
     // A line can have hundreds of thousands of bytes; those to the sides are not looked at.
     const int first = row.xToCursor(-place.left(), QTextLine::CursorOnCharacter);
     const int last = row.xToCursor(viewport()->width() - place.left());
+    const int end = std::max(first, last + 1);
+    const int from = std::clamp(textCursor().selectionStart() - line.position(), first, end);
+    const int to = std::clamp(textCursor().selectionEnd() - line.position(), first, end);
     QPainter painter(viewport());
-    DrawMarks(painter, row, place.topLeft(), LineText(line), {first, last}, font(),
-              palette().text().color());
+    const auto draw = [&](Columns columns, const QBrush& color) {
+        DrawMarks(painter, row, place.topLeft(), LineText(line), columns, font(), color.color());
+    };
+    draw({first, from - 1}, palette().text());
+    draw({from, to - 1}, palette().highlightedText());
+    draw({to, end - 1}, palette().text());
 }
 
 QMimeData* EditField::createMimeDataFromSelection() const {
