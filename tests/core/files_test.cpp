@@ -8,11 +8,15 @@
 
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <gmock/gmock.h>
 #include <optional>
+#include <random>
 #include <set>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace quoravel {
 namespace {
@@ -155,6 +159,38 @@ TEST_F(Files, AFailedSaveLeavesTheOldFileWholeAndTheDiscChanged) {
         EXPECT_EQ(folder.Names(), names) << "nothing is left behind";
     }
     EXPECT_THAT(Copies(), ElementsAre("disc-1.dsd", "disc.dsd")) << "of the last row alone";
+}
+
+/// Saves over `file` until it is killed. Every save has bytes and a length of its own.
+[[noreturn]] void SaveForEver(const fs::path& file) {
+    for (std::size_t i = 0;; ++i)
+        if (ReplaceFile(file, Bytes(100'000 + i % 256, static_cast<std::uint8_t>(i))))
+            ::_exit(1);
+}
+
+TEST_F(Files, ASaveThatIsKilledAtAnyMomentLeavesTheOldFileOrTheNewOneWhole) {
+    constexpr int kKills = 1000;
+    std::minstd_rand random;
+    Bytes bytes(100'000, 0);
+    ASSERT_FALSE(ReplaceFile(file, bytes));
+    std::set<std::uint8_t> seen;
+    for (int kill = 0; kill < kKills; ++kill) {
+        const pid_t saver = ::fork();
+        ASSERT_GE(saver, 0);
+        if (saver == 0)
+            SaveForEver(file);
+        ::usleep(random() % 5000);
+        ASSERT_EQ(::kill(saver, SIGKILL), 0);
+        int status = 0;
+        ASSERT_EQ(::waitpid(saver, &status, 0), saver);
+        ASSERT_TRUE(WIFSIGNALED(status)) << "no save failed";
+        ASSERT_FALSE(ReadFile(file, 200'000, bytes));
+        ASSERT_FALSE(bytes.empty());
+        seen.insert(bytes.front());
+        ASSERT_EQ(bytes, Bytes(100'000U + bytes.front(), bytes.front()));
+    }
+    EXPECT_GT(seen.size(), 1U) << "some came so far as to save";
+    EXPECT_LT(folder.Names().size(), kKills / 20U) << "what is not whole has no name";
 }
 
 TEST_F(Files, ASaveKeepsThePermissions) {
