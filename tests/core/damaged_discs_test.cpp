@@ -132,6 +132,33 @@ TEST_F(DamagedDiscs, AnyDiscCompactsAndStaysReadable) {
     }
 }
 
+/// Whatever a catalogue asks for, the bytes move as if one by one from the first to the last.
+TEST_F(DamagedDiscs, ACopyOfBytesIsTheSameWhereverItLies) {
+    struct Row {
+        const char* what;
+        int from, to, count;
+    };
+
+    for (const Row& row : {Row{"down", 5000, 1000, 3000}, Row{"down over itself", 1256, 1000, 3000},
+                           Row{"up", 1000, 5000, 3000}, Row{"up over itself", 1000, 1008, 3000},
+                           Row{"up by a byte", 1000, 1001, 3000}, Row{"onto itself", 9, 9, 99},
+                           Row{"from before the block", -100, 1000, 300},
+                           Row{"from before it over itself", -100, 20, 900},
+                           Row{"from its end", kDiscBytes - 10, 1000, 300},
+                           Row{"past its end", 1000, kDiscBytes - 10, 300},
+                           Row{"all of it and more", 256, 0, 0xFFFFFF},
+                           Row{"all of it upwards", 0, 768, 0xFFFFFF}}) {
+        SCOPED_TRACE(row.what);
+        for (int i = 0; i < kDiscBytes; ++i)
+            Module1::DiscImg.SetByte(i, static_cast<std::uint8_t>(i * 7 / 5 % 251));
+        DiscBlock expected = Module1::DiscImg;
+        for (int i = 0; i < row.count && row.to + i < kDiscBytes; ++i)
+            expected.SetByte(row.to + i, expected.Byte(row.from + i));
+        Module1::DiscImg.CopyAscending(row.from, row.to, row.count);
+        EXPECT_TRUE(std::ranges::equal(Module1::DiscImg.bytes(), expected.bytes()));
+    }
+}
+
 TEST_F(DamagedDiscs, AnyDiscSavesAndLoadsAsItIs) {
     for (int n = 0; n < 10; ++n) {
         SCOPED_TRACE(n);
