@@ -1,11 +1,11 @@
+#include "fuzz/fuzz.h"
 #include "link/ring.h"
 #include "link/star_command.h"
 #include "link/track_link.h"
 #include "link/transfer.h"
 #include "support/link_test.h"
 
-#include <cstdio>
-#include <cstdlib>
+#include <utility>
 
 // Any bytes come down the line at any pace. The first byte of the input chooses what the host does;
 // then come lumps: how long the lump is, the lump, how long the line is silent behind it.
@@ -14,32 +14,25 @@ namespace quoravel {
 
 namespace {
 
-/// Ends the run at the input that breaks a promise.
-void Require(bool promise, const char* what) {
-    if (promise)
-        return;
-    std::fprintf(stderr, "broken promise: %s\n", what);
-    std::abort();
-}
-
-/// Takes a byte off the input; 0 behind its end.
-int TakeNumber(std::string_view& input) {
-    const int number = input.empty() ? 0 : static_cast<unsigned char>(input.front());
-    input.remove_prefix(input.empty() ? 0 : 1);
-    return number;
-}
+constexpr int kStep = 40; // milliseconds
 
 /// Cancels once the line has been silent for 12 seconds, so that every conversation ends.
-void ScheduleLumps(LinkWorld& world, std::string_view input) {
+void ScheduleLumps(LinkWorld& world, Input& input) {
     int milliseconds = 0;
-    while (!input.empty() && milliseconds < 30'000) {
-        const auto length = static_cast<std::size_t>(TakeNumber(input));
-        const std::string_view lump = input.substr(0, length);
-        world.Arrive(milliseconds, lump);
-        input.remove_prefix(lump.size());
-        milliseconds += 40 * TakeNumber(input);
+    while (!input.IsAtEnd() && milliseconds < 30'000) {
+        world.Arrive(milliseconds, input.Text(256));
+        milliseconds += kStep * static_cast<int>(input.Number());
     }
     world.Later(milliseconds + 12000, LinkWorld::Cancel);
+}
+
+/// Whoever waits for a byte waits in steps of that length, as a millisecond each takes too long.
+void WaitInSteps(LinkWorld& world) {
+    world.desktop.on_pump = [&world, pump = std::move(world.desktop.on_pump)] {
+        if (world.timer.Enabled())
+            world.desktop.now += std::chrono::milliseconds(kStep - 1);
+        pump();
+    };
 }
 
 void Converse(unsigned what, LinkWorld& world) {
@@ -73,14 +66,15 @@ void Converse(unsigned what, LinkWorld& world) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace quoravel;
-    if (size == 0)
-        return 0;
+    Input input({data, size});
+    const unsigned what = input.Number();
     LinkWorld world;
     world.port.on_write = [](std::string_view) {}; // nobody listens
     world.desktop.files = {world.folder.File("disc.ssd", std::string(3000, 'x'))};
-    if (data[0] % 2 != 0)
+    WaitInSteps(world);
+    if (what % 2 != 0)
         world.Trace();
-    ScheduleLumps(world, {reinterpret_cast<const char*>(data) + 1, size - 1});
-    Converse(data[0] / 2U, world);
+    ScheduleLumps(world, input);
+    Converse(what / 2U, world);
     return 0;
 }

@@ -1,52 +1,15 @@
-#include "disc/module1.h"
+#include "fuzz/file_input.h"
 #include "platform/text.h"
 #include "support/scripted_host.h"
 #include "view/hex_view.h"
 #include "view/text_view.h"
 #include "view/viewed_file.h"
 
-#include <cstdio>
-#include <cstdlib>
-#include <span>
-
-// Any file of a disc as text and as hex. The last four bytes of the input say where it lies and how
-// long it is, the others are what lies there.
+// Any file of a disc as text and as hex.
 
 namespace quoravel {
 
 namespace {
-
-constexpr std::size_t kTail = 4;
-
-/// Ends the run at the input that breaks a promise.
-void Require(bool promise, const char* what) {
-    if (promise)
-        return;
-    std::fprintf(stderr, "broken promise: %s\n", what);
-    std::abort();
-}
-
-struct File {
-    int base = 0;
-    std::uint32_t length = 0;
-};
-
-/// A file of up to 4 KB on any sector that a catalogue can name, or one whose length reads FFxxxx.
-/// That ends with the block, so it starts near there: short files are quick.
-File Place(std::span<const std::uint8_t> tail) {
-    const int sector = tail[0] | (tail[1] & 3) << 8;
-    const std::uint32_t length = tail[2] | (tail[3] & 15U) << 8U;
-    if ((tail[3] & 128) != 0)
-        return {kDriveBytes + (sector | 768) * kSectorBytes, length | 0xFF0000};
-    return {(tail[1] >> 7) * kDriveBytes + sector * kSectorBytes, length};
-}
-
-File Load(std::span<const std::uint8_t> input) {
-    const File file = Place(input.last(kTail));
-    Module1::DiscImg.Fill(0, kDiscBytes, 0);
-    Module1::DiscImg.Write(file.base, input.first(input.size() - kTail));
-    return file;
-}
 
 /// Reads a file again through its view as text.
 class TextReader : public ViewSink {
@@ -100,7 +63,7 @@ class HexReader : public ViewSink {
     int base_;
 };
 
-void View(const File& file) {
+void View(const FileInput& file) {
     const int size = ViewedLength(file.base, file.length);
     TextReader text(file.base);
     ListText(file.base, file.length, text);
@@ -118,9 +81,9 @@ void View(const File& file) {
 } // namespace quoravel
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    if (size < quoravel::kTail)
+    if (size < quoravel::kFileInputTail)
         return 0;
     const quoravel::ScriptedHost host;
-    quoravel::View(quoravel::Load({data, size}));
+    quoravel::View(quoravel::LoadFileInput({data, size}));
     return 0;
 }

@@ -1,4 +1,4 @@
-#include "file_input.h"
+#include "fuzz/file_input.h"
 #include "platform/text.h"
 #include "support/scripted_host.h"
 #include "view/viewed_file.h"
@@ -29,7 +29,7 @@ class ImpatientSink : public ViewSink {
     }
 
   private:
-    int left_ = 400000;
+    int left_ = 30000;
 };
 
 /// Takes the offer of silence at once, or never.

@@ -1,0 +1,159 @@
+#include "fuzz/disc_promises.h"
+
+#include "disc/catalogue.h"
+#include "disc/free_space.h"
+#include "disc/listing.h"
+#include "disc/module1.h"
+#include "fuzz/fuzz.h"
+#include "platform/text.h"
+
+#include <algorithm>
+#include <cstring>
+#include <span>
+#include <utility>
+
+namespace quoravel {
+
+namespace {
+
+using Region = std::pair<int, int>; ///< first sector and the one behind the last
+
+std::vector<Region> KeptRegions(int drive) {
+    const auto row = static_cast<std::size_t>(drive);
+    const int regions = Module1::FreeSpaceNum[row];
+    Require(regions >= 0 && regions <= Module1::kFreeRegions, "the regions fit in their table");
+    std::vector<Region> kept;
+    for (std::size_t i = 0; i < static_cast<std::size_t>(regions); ++i) {
+        const int first = Module1::FreeSpaceMap[row][i];
+        kept.emplace_back(first, first + Module1::FreeSpaceLen[row][i]);
+    }
+    return kept;
+}
+
+void CheckFile(int drive, int file) {
+    const int entry = GetDirOffset(drive, file);
+    const int info = entry + kInfoDistance;
+    Require(GetLoad(info).size() == 6 && GetExec(info).size() == 6 && GetSize(info).size() == 6,
+            "addresses and sizes have six digits");
+    Require(GetSector(info).size() == 3, "sectors have three digits");
+    Require(GetFileAttr(entry) == "L" || GetFileAttr(entry) == " ", "a file is locked or not");
+    const std::string name = GetName(drive, file);
+    Require(name.size() >= 2 && name.size() <= 9 && name[1] == '.', "a name is D. and up to seven");
+}
+
+/// A file that runs past the block ends with it, any other is all there.
+void CheckRow(const ListRow& row, int drive) {
+    Require(row.FileName.size() >= 2 && row.FileName.size() <= 9, "a name fits its cell");
+    Require(row.Attr.size() == 1 && row.Load.size() == 6 && row.Exec.size() == 6 &&
+                row.Size.size() == 6 && row.Sector.size() == 3,
+            "cells have their widths");
+    const std::int64_t start =
+        GetStartSectorOfDrive(drive) + std::int64_t{HexValue(row.Sector)} * kSectorBytes;
+    const std::int64_t size = HexValue(row.Size);
+    const std::int64_t room = std::max<std::int64_t>(kDiscBytes - start, 0);
+    Require(std::ssize(Module1::DiscImg.Part(start, size)) == std::min(size, room),
+            "a listed file reads");
+}
+
+/// A name is found no later than at its file, unless the search ends before.
+void CheckSearch(int drive, int file) {
+    const int found = GetPos(drive, GetName(drive, file));
+    Require(found <= file, "a name is found at its first file");
+    bool ends_early = false;
+    for (int i = 0; i <= file; ++i)
+        ends_early = ends_early || GetName(drive, i).front() == '\0';
+    Require(found >= 0 || ends_early, "only the end of the search hides a file");
+}
+
+} // namespace
+
+Range CatalogueOf(int drive) {
+    const std::int64_t start = GetStartSectorOfDrive(drive);
+    return {start,
+            start + (IsWatfordDFS(drive) ? 4 * kSectorBytes + kEntryBytes : 2 * kSectorBytes)};
+}
+
+Range WhereCompactWrites(int drive) {
+    std::int64_t end = GetStartSectorOfDrive(drive) + std::int64_t{kDriveBytes};
+    std::int64_t next = GetRootSector(drive);
+    const int in_first = FilesInCatalogue(GetStartSectorOfDrive(drive));
+    const auto slide = [&](int file) {
+        const int info = GetDirOffset(drive, file) + kInfoDistance;
+        if (StartSector(info) != next)
+            end = std::max(end, GetStartSectorOfDrive(drive) + next * kSectorBytes +
+                                    std::int64_t{FileLength(info)});
+        next += SectorsOf(FileLength(info));
+    };
+    for (int i = in_first - 1; i >= 0; --i)
+        slide(i);
+    if (IsWatfordDFS(drive))
+        for (int i = FilesInCatalogue(GetStartSectorOfDrive(drive) + kSecondCatalogue) - 1; i >= 0;
+             --i)
+            slide(in_first + i);
+    return {GetStartSectorOfDrive(drive), std::min<std::int64_t>(end, kDiscBytes)};
+}
+
+void CheckCatalogue(int drive) {
+    const int files = GetNumberOfDirEntries(drive);
+    Require(files >= 0 && files <= 63, "63 files at most");
+    for (int i = 0; i < files; ++i)
+        CheckFile(drive, i);
+    if (files > 0)
+        CheckSearch(drive, files - 1);
+    Require(GetTitle(drive).size() <= 12, "a title has up to 12 characters");
+    Require(BootOption(drive) >= 0 && BootOption(drive) <= 3, "there are four boot options");
+    Require(GetSectorsUsed(drive) >= 0 && GetSectorsUsed(drive) < kDriveSectors,
+            "the last sector in use lies on the disc");
+    const auto rows = ListFiles(drive);
+    Require(std::ssize(rows) <= files, "no more rows than files");
+    for (const ListRow& row : rows)
+        CheckRow(row, drive);
+    Require(SortedListFiles(drive).size() == rows.size(), "sorting loses no row");
+}
+
+void CheckFreeSpace(int drive) {
+    const auto regions = KeptRegions(drive);
+    GetFreeSpaceMap(drive);
+    Require(KeptRegions(drive) == regions, "the free space is kept up to date");
+    int end = GetRootSector(drive) - 1;
+    for (const auto& [first, behind] : regions) {
+        Require(first > end, "regions ascend and never touch");
+        Require(behind > first, "no region is empty");
+        end = behind;
+    }
+    Require(regions.empty() || end <= GetNumberOfSectors(drive), "regions end with the disc");
+    for (int i = GetNumberOfDirEntries(drive) - 1; i >= 0; --i) {
+        const int info = GetDirOffset(drive, i) + kInfoDistance;
+        const int start = StartSector(info);
+        const int behind = start + SectorsOf(FileLength(info));
+        Require(std::ranges::all_of(regions,
+                                    [&](const Region& region) {
+                                        return behind <= region.first || start >= region.second;
+                                    }),
+                "no file lies in free space");
+    }
+    ShowFree(drive);
+}
+
+void BlockWatch::Restart() {
+    std::memcpy(before_.data(), Module1::DiscImg.bytes().data(), before_.size());
+}
+
+void BlockWatch::Check(const std::vector<Range>& changed) {
+    const auto* now = Module1::DiscImg.bytes().data();
+    std::int64_t at = 0;
+    const auto same_up_to = [&](std::int64_t end) {
+        const auto count = static_cast<std::size_t>(std::max(end - at, std::int64_t{0}));
+        Require(std::memcmp(before_.data() + at, now + at, count) == 0,
+                "nothing changes but what the command is for");
+    };
+    for (const auto& [begin, end] : changed) {
+        same_up_to(begin);
+        if (end > begin)
+            std::memcpy(before_.data() + begin, now + begin, static_cast<std::size_t>(end - begin));
+        at = std::max(at, end);
+    }
+    same_up_to(kDiscBytes);
+}
+
+} // namespace quoravel
