@@ -9,7 +9,7 @@ StatusLine* status_line = nullptr;
 } // namespace
 
 void Init() {
-    DiscImg = DiscBlock();
+    DiscImg.Fill(0, kDiscBytes, 0);
     gTraceWindow = false;
     RXHead = RXTail = RXLen = 0;
     gTraceFileOpen = false;
