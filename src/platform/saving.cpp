@@ -11,6 +11,7 @@
 #include <string>
 #include <string_view>
 #include <sys/stat.h>
+#include <tuple>
 #include <unistd.h>
 #include <variant>
 
@@ -37,7 +38,7 @@ mode_t PermissionsFor(const std::optional<struct stat>& old) {
 void TakeOver(int fd, const std::optional<struct stat>& old) {
     // Somebody else's file in a folder that we may write becomes ours.
     if (old && ::fchown(fd, old->st_uid, old->st_gid) != 0)
-        static_cast<void>(::fchown(fd, static_cast<uid_t>(-1), old->st_gid));
+        std::ignore = ::fchown(fd, static_cast<uid_t>(-1), old->st_gid);
     // A file system that knows no permissions is no reason to fail.
     static_cast<void>(::fchmod(fd, PermissionsFor(old)));
 }
@@ -122,7 +123,7 @@ bool SideFile::MoveTo(const fs::path& target) {
 std::optional<FileError> Overwrite(Descriptor& out, Bytes bytes, off_t old_size) {
     const auto size = static_cast<off_t>(bytes.size());
     if (const int failed = size > 0 ? ::posix_fallocate(out.get(), 0, size) : 0) {
-        static_cast<void>(::ftruncate(out.get(), old_size));
+        std::ignore = ::ftruncate(out.get(), old_size);
         return ErrorOf(failed);
     }
     if (auto error = WriteAll(out.get(), bytes))
