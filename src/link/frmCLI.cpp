@@ -17,18 +17,30 @@ namespace {
 
 constexpr std::size_t kFullPane = 1'000'000; // far more than a person reads
 constexpr int kCut = 500'000;
+constexpr float kFaint = 0.6F;
 
 /// Thrown into a wait for the micro when nobody looks at its answer any more.
 class ConsoleClosed {};
+
+/// In a colour of its own: not every desktop's dark colours have one for it.
+void ShowPlaceholder(QWidget& field) {
+    QPalette colours = field.palette();
+    QColor faint = colours.color(QPalette::Text);
+    faint.setAlphaF(kFaint);
+    colours.setColor(QPalette::PlaceholderText, faint);
+    field.setPalette(colours);
+}
 
 } // namespace
 
 frmCLI::frmCLI() : frmDocument({"frmCLI", "rtbCLI", "CLI"}), txtCmd_(new QLineEdit(&content())) {
     setWindowTitle(QStringLiteral("* Commands"));
     setWindowModality(Qt::ApplicationModal);
+    rtb().setAccessibleName(QStringLiteral("Answers"));
     txtCmd_->setObjectName(QStringLiteral("txtCmd"));
     txtCmd_->setAccessibleName(QStringLiteral("Star command"));
     txtCmd_->setPlaceholderText(QStringLiteral("Star command"));
+    ShowPlaceholder(*txtCmd_);
     Connect(txtCmd_, &QLineEdit::returnPressed, this, [this] { txtCmd_KeyDown(); });
     menu().Handle("EditCut", [this] { txtCmd_->cut(); });
     menu().Handle("EditPaste", [this] { txtCmd_->paste(); });

@@ -1,6 +1,7 @@
 #include "link/frmRX.h"
 
 #include "disc/module1.h"
+#include "platform/qt/accessible.h"
 #include "platform/qt/guard.h"
 #include "platform/qt/text.h"
 #include "prefs/xml_preferences.h"
@@ -29,6 +30,7 @@ QLabel* AddLabel(QWidget& window, QVBoxLayout& column, const QString& name, cons
 } // namespace
 
 frmRX::frmRX() : pb_(new QProgressBar(this)) {
+    TellAs(*this, QAccessible::Dialog);
     setObjectName(QStringLiteral("frmRX"));
     setWindowTitle(QStringLiteral("Receive Disc Image"));
     setMinimumWidth(kLeastWidth);

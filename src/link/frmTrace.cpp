@@ -2,6 +2,7 @@
 
 #include "disc/module1.h"
 #include "link/trace.h"
+#include "platform/qt/accessible.h"
 #include "platform/qt/edit_field.h"
 #include "platform/qt/guard.h"
 #include "platform/qt/text.h"
@@ -32,6 +33,7 @@ bool IsReadingKey(const QKeyEvent& key) {
 } // namespace
 
 frmTrace::frmTrace() : rtbTrace_(new EditField(this)) {
+    TellAs(*this, QAccessible::Window);
     setObjectName(QStringLiteral("frmTrace"));
     setWindowTitle(QStringLiteral("Trace"));
     setMinimumSize(kLeastWindowSize, kLeastWindowSize);

@@ -1,6 +1,7 @@
 #include "shell/frmProgress.h"
 
 #include "disc/module1.h"
+#include "platform/qt/accessible.h"
 #include "platform/qt/guard.h"
 #include "platform/qt/text.h"
 
@@ -17,6 +18,7 @@ frmProgress::frmProgress(QWidget* parent)
     : QWidget(parent, Qt::Window),
       pb_(new QProgressBar(this)),
       txtImages_(new QLabel(QStringLiteral("Found 0 Images"), this)) {
+    TellAs(*this, QAccessible::Dialog);
     setObjectName(QStringLiteral("frmProgress"));
     setWindowTitle(QStringLiteral("*EX Progress"));
     resize(331, 121);

@@ -1,8 +1,8 @@
 #include "platform/qt/status_box.h"
 
+#include "platform/qt/accessible.h"
 #include "platform/qt/text.h"
 
-#include <QAccessibleWidget>
 #include <QLabel>
 
 #include <algorithm>
@@ -14,18 +14,12 @@ namespace {
 constexpr int kHeight = 20; // for letters of the usual size
 constexpr int kMargin = 20; // on each side of the text, unless it needs the room
 
-/// Qt would tell of a frame, which to a screen reader is a window.
-QAccessibleInterface* AsStatusBar(const QString& /*class_name*/, QObject* object) {
-    auto* box = qobject_cast<StatusBox*>(object);
-    return box == nullptr ? nullptr : new QAccessibleWidget(box, QAccessible::StatusBar);
-}
-
 } // namespace
 
 StatusBox::StatusBox(QWidget* parent) : QFrame(parent), text_(new QLabel(this)) {
+    TellAs(*this, QAccessible::StatusBar);
     setFrameShape(QFrame::StyledPanel);
     text_->setTextFormat(Qt::PlainText);
-    QAccessible::installFactory(AsStatusBar); // once is kept, however often it is installed
 }
 
 void StatusBox::SetText(std::string_view latin1) {
