@@ -1,5 +1,6 @@
 // frmMain: the *EX listing of a whole folder.
 
+#include "disc/image_files.h"
 #include "platform/host.h"
 #include "platform/qt/busy_cursor.h"
 #include "shell/frmMain.h"
@@ -32,8 +33,10 @@ void frmMain::DiscEXDrive_Action() {
         return;
     ListFolder(*folder, *log);
     SetCurrentDrive(Module1::cur_drive); // which the listing has moved
-    // Meant: the disc comes back from its file; changes that nobody wanted to save are gone.
-    if (!Module1::gsFile.empty() && OpenDisc(Module1::gsFile))
+    // Meant: the disc comes back from its file; changes that nobody wanted to save are gone. A file
+    // with no known ending is a current file that loads nothing.
+    const bool comes_back = FormOfName(FileName(Module1::gsFile)).has_value();
+    if (comes_back && OpenDisc(Module1::gsFile))
         return;
     // The last image of the listing must not be taken for a disc of the user's, nor saved as one.
     Module1::gsFile.clear();

@@ -85,6 +85,13 @@ TEST_F(ListingWindowTest, TheWindowCountsAndTheDiscComesBackFromItsFile) {
     EXPECT_THAT(desktop.TakeBoxTexts(), testing::Each("A listing is in progress"));
 }
 
+TEST_F(ListingWindowTest, AFileThatLoadsNothingIsNotSavedOverWithTheLastImageListed) {
+    window->OpenDisc(folder.File("plain", "mine"));
+    Choose("DiscEXDrive");
+    EXPECT_TRUE(Module1::gsFile.empty());
+    EXPECT_EQ(Title(), "Quoravel - NewDisc.dsd");
+}
+
 TEST_F(ListingWindowTest, CancelEndsTheWalkAndTheListing) {
     desktop.on_pump = [&] {
         if (Progress() != nullptr && Found() == "Found 1 Image")
