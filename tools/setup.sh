@@ -4,9 +4,12 @@
 
 packages_build=(g++ cmake ninja-build libexpat1-dev libpugixml-dev qt6-base-dev
     qt6-serialport-dev)
-packages_tests=(libgtest-dev libgmock-dev libplist-utils poppler-utils qt6-multimedia-dev)
+packages_tests=(libgtest-dev libgmock-dev libplist-utils poppler-utils qt6-multimedia-dev
+    xvfb xauth openbox dbus-daemon at-spi2-core python3-gi gir1.2-atspi-2.0)
 packages_emulator=(nodejs npm)
 packages_checks=(clang libclang-rt-dev clang-format clang-tidy python3)
+packages_package=(appstream desktop-file-utils dpkg-dev file lintian mandoc qt6-multimedia-dev
+    shared-mime-info)
 packages_wayland=(qt6-wayland)
 packages_virtual_display=(xvfb xauth x11vnc openbox)
 
