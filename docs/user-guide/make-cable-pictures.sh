@@ -1,35 +1,22 @@
 #!/usr/bin/env bash
 # Makes the pictures of the cable and of the listing anew, after ./run and ./test have built things:
 # ./make-cable-pictures.sh, as root, since the emulated micro's line becomes /dev/ttyUSB77 meanwhile.
-# Needs Debian's xvfb, xauth, openbox, xdotool, imagemagick and pngquant.
+# Needs the packages that tools/pictures.sh names.
 set -eu
 here=$(dirname "$(readlink -f "$0")")
-root=$here/../..
+root=$(readlink -f "$here/../..")
+pictures=$here/pictures
 port=/dev/ttyUSB77 # a link, which stands among the first in the program's list
+# shellcheck source=../../tools/pictures.sh
+. "$root/tools/pictures.sh"
 
 if [ "${1-}" != inside ]; then
-    home=$(mktemp -d)
-    trap 'rm -rf "$home" "$port"' EXIT
-    cp "$root"/tests/data/discs/*.?sd "$home"
-    mkdir "$home/config"
-    for i in $(seq 400); do # enough that a listing takes a while
-        mkdir -p "$home/collection/$i"
-        for j in $(seq 40); do ln "$home/demo-dual.dsd" "$home/collection/$i/$j.dsd"; done
-    done
-    cat >"$home/config/Quoravel.pref" <<'PREF'
-<?xml version="1.0" encoding="UTF-8"?>
-<xmldict version="1.1">
-<key>MainHeight</key>
-<integer>300</integer>
-<key>TraceHeight</key>
-<integer>240</integer>
-<key>CLIHeight</key>
-<integer>240</integer>
-</xmldict>
-PREF
-    cd "$home"
-    HOME=$home XDG_CONFIG_HOME=$home/config \
-        xvfb-run -a -s "-screen 0 1280x900x24" "$here/make-cable-pictures.sh" inside
+    furnish() {
+        prefs MainHeight 300 TraceHeight 240 CLIHeight 240
+        collection 14 # enough that a listing takes a while
+    }
+    clean_up() { rm -f "$port"; }
+    in_display "$here/make-cable-pictures.sh" inside
     exit
 fi
 
@@ -47,30 +34,12 @@ micro() {
     read -r _ <&"${micro[0]}"
 }
 
-# take NAME WINDOW: the window with its frame.
-take() {
-    import -frame -window "$2" "$here/pictures/$1.png"
-    pngquant --force --ext .png 32 "$here/pictures/$1.png"
-}
-
-# The newest window of that name, once it stands.
-window() {
-    sleep 0.7
-    xdotool search --sync --onlyvisible --name "$1" | tail -n 1
-}
-
 # choose KEY...: an item of the Tavrilo menu, by the keys that lead to it from its top.
-choose() {
-    xdotool windowactivate --sync "$main" key --delay 150 alt+f Right Right "$@"
-    sleep 0.5
-}
+choose() { menu Right Right "$@"; }
 
 micro insert 0 "$HOME/demo-basic.ssd"
 micro picture "$here/pictures/micro-waiting.png"
-"$root/build/release/src/quoravel" demo-dual.dsd 2>/dev/null &
-program=$!
-main=$(window "Quoravel - demo-dual")
-sleep 1
+start demo-dual.dsd
 
 # First, as a Cancel anywhere silences it until a transfer starts.
 choose Down Down Return
@@ -105,12 +74,12 @@ micro picture "$here/pictures/micro-receiving.png"
 xdotool windowactivate --sync "$receive" key Escape
 sleep 8
 
-xdotool windowactivate --sync "$main" key --delay 150 alt+f Left Up Return
+menu Left Up Return
 sleep 1
 xdotool key ctrl+a type "$HOME/collection"
 xdotool key Return
 sleep 1
 xdotool key Return
 take ex-progress "$(window "[*]EX Progress")"
-kill "$program"
+stop
 micro quit || true
