@@ -32,7 +32,8 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t kTail = 2;
-constexpr int kMostSteps = 24;
+constexpr int kMostSteps = 16;
+constexpr int kMostSaves = 1; ///< of a whole image, which takes longer than all else
 
 void LoadHalves(Bytes bytes) {
     NewDisc(0, kDriveTracks, false);
@@ -68,7 +69,7 @@ class Session {
     void Run() {
         Module1::cur_drive = 0;
         watch_.Restart();
-        CheckDrives();
+        CheckDrives({{0, kDiscBytes}});
         for (int i = 0; i < kMostSteps && !commands_.IsAtEnd(); ++i)
             Step();
     }
@@ -78,7 +79,7 @@ class Session {
     using Command = Changes (Session::*)();
 
     void Step();
-    static void CheckDrives();
+    static void CheckDrives(const Changes& changes);
 
     Changes SwapDrives();
     Changes SetTheTitle();
@@ -107,6 +108,7 @@ class Session {
     Input commands_;
     BlockWatch& watch_;
     bool was_dirty_ = false;
+    int saves_ = 0;
 };
 
 void Session::Step() {
@@ -121,13 +123,18 @@ void Session::Step() {
     watch_.Check(changes);
     if (changes.empty())
         Require(!Module1::gDirty || was_dirty_, "what changes nothing leaves nothing to be saved");
-    else
-        CheckDrives();
+    CheckDrives(changes);
     desktop_.boxes.clear();
 }
 
-void Session::CheckDrives() {
+/// Looks at each drive whose catalogue may have changed.
+void Session::CheckDrives(const Changes& changes) {
     for (const int drive : {0, 1}) {
+        const Range catalogue = CatalogueOf(drive);
+        if (std::ranges::none_of(changes, [&](const Range& range) {
+                return range.begin < catalogue.end && range.end > catalogue.begin;
+            }))
+            continue;
         CheckCatalogue(drive);
         CheckFreeSpace(drive);
     }
@@ -297,6 +304,8 @@ Session::Changes Session::Pages() {
 }
 
 Session::Changes Session::SaveInterleaved() {
+    if (++saves_ > kMostSaves)
+        return {};
     const fs::path file = folder_.path() / "saved.dsd";
     Require(!SaveDisc_DSD(file) && !Module1::gDirty, "a saved disc has no changes");
     watch_.Check({});

@@ -1,3 +1,4 @@
+#include "disc/module1.h"
 #include "fuzz/fuzz.h"
 #include "link/ring.h"
 #include "link/star_command.h"
@@ -8,20 +9,26 @@
 #include <utility>
 
 // Any bytes come down the line at any pace. The first byte of the input chooses what the host does;
-// then come lumps: how long the lump is, the lump, how long the line is silent behind it.
+// then come lumps: how long the lump is, the lump, how long the line is silent behind it; 255: it
+// comes so often before that the ring overflows.
 
 namespace quoravel {
 
 namespace {
 
-constexpr int kStep = 40; // milliseconds
+constexpr int kStep = 40;   // milliseconds
+constexpr int kFlood = 200; // lumps that are more than the ring takes
 
 /// Cancels once the line has been silent for 12 seconds, so that every conversation ends.
 void ScheduleLumps(LinkWorld& world, Input& input) {
     int milliseconds = 0;
     while (!input.IsAtEnd() && milliseconds < 30'000) {
-        world.Arrive(milliseconds, input.Text(256));
-        milliseconds += kStep * static_cast<int>(input.Number());
+        const std::string_view lump = input.Text(256);
+        const unsigned silence = input.Number();
+        const int times = silence == 255 ? kFlood : 1;
+        for (int i = 0; i < times; ++i)
+            world.Arrive(milliseconds, lump);
+        milliseconds += kStep * static_cast<int>(silence);
     }
     world.Later(milliseconds + 12000, LinkWorld::Cancel);
 }
@@ -71,6 +78,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     LinkWorld world;
     world.port.on_write = [](std::string_view) {}; // nobody listens
     world.desktop.files = {world.folder.File("disc.ssd", std::string(3000, 'x'))};
+    Module1::RXHead = Module1::RXTail = Module1::kRingSize - 50; // it goes round soon
     WaitInSteps(world);
     if (what % 2 != 0)
         world.Trace();

@@ -6,3 +6,9 @@ extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
     GTEST_FLAG_SET(break_on_failure, true);
     return 0;
 }
+
+// Freed memory is guarded for a while as ever, but not for so long that each run takes new pages.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the sanitizer looks for this name
+extern "C" const char* __asan_default_options() {
+    return "quarantine_size_mb=16:malloc_context_size=10";
+}
