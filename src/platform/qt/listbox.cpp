@@ -16,6 +16,8 @@
 #include <QStyledItemDelegate>
 #include <QUrl>
 
+#include <algorithm>
+#include <array>
 #include <utility>
 
 namespace quoravel {
@@ -28,6 +30,12 @@ QColor Mixed(const QColor& base, const QColor& text) {
     const auto mix = [](float a, float b) { return a + (b - a) * kGreyness; };
     return QColor::fromRgbF(mix(base.redF(), text.redF()), mix(base.greenF(), text.greenF()),
                             mix(base.blueF(), text.blueF()));
+}
+
+bool ChoosesARow(int key) {
+    static constexpr std::array keys{Qt::Key_Up,     Qt::Key_Down,     Qt::Key_Home, Qt::Key_End,
+                                     Qt::Key_PageUp, Qt::Key_PageDown, Qt::Key_Space};
+    return std::ranges::find(keys, key) != keys.end();
 }
 
 } // namespace
@@ -318,7 +326,7 @@ void Listbox::keyPressEvent(QKeyEvent* event) {
     const int before = currentIndex().row();
     QTreeWidget::keyPressEvent(event);
     const int after = currentIndex().row();
-    if (after >= 0 && (after != before || event->isAccepted()))
+    if (after >= 0 && (after != before || ChoosesARow(event->key())))
         Q_EMIT RowChange(after);
 }
 
