@@ -24,7 +24,7 @@ TEST(Place, AWindowThatNoScreenShowsMovesInsideTheNearest) {
              Row{"below", {100, 5000, 800, 600}, {100, 424}},
              Row{"title bar above the screens", {100, -300, 800, 600}, {100, 0}},
              Row{"on a screen that is gone", {3300, 400, 800, 600}, {2400, 400}},
-             Row{"larger than all screens", {-9000, -9000, 32000, 4000}, {0, 0}, {1280, 1024}},
+             Row{"larger than all screens", {-9000, -9000, 32000, 4000}, {1280, 0}, {1920, 1080}},
              Row{"from larger screens", {100, 50, 3840, 900}, {1280, 50}, {1920, 900}},
          }) {
         SCOPED_TRACE(row.what);
