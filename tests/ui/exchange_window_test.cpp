@@ -96,6 +96,15 @@ TEST_F(ExchangeTest, ADropImportsFilesPassesOverFoldersAndRefreshesOnce) {
     EXPECT_TRUE(desktop.boxes.empty());
 }
 
+TEST_F(ExchangeTest, CopyAndPasteDoByKeysWhatDragAndDropDo) {
+    Click(1, 1);
+    QTest::keyClick(&List(1), Qt::Key_Insert, Qt::ControlModifier);
+    QTest::keyClick(&List(0), Qt::Key_V, Qt::ControlModifier);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return List(0).ListCount() == 3; }));
+    EXPECT_EQ(Names(0), (Texts{"$.SIEVE", "$.SORT", "$.TEXT"}));
+    EXPECT_EQ(Row(0, 1)[2], "FF1900") << "the sidecar came with it";
+}
+
 TEST_F(ExchangeTest, ARefusalStopsTheDropAndKeepsWhatWentBefore) {
     const std::vector<fs::path> files{folder.File("A", "1"), folder.File("SIEVE", "2"),
                                       folder.File("B", "3")};

@@ -300,6 +300,14 @@ TEST_F(SelectionTest, SeveralRowsByMouseAndByKey) {
     EXPECT_EQ(SelectedRows(1), std::vector<int>{2});
 }
 
+TEST_F(SelectionTest, HomeChoosesARowThatIsCurrentAlready) {
+    Click(0, 1);
+    QTest::keyClick(&List(0), Qt::Key_Tab);
+    QTest::keyClick(&List(1), Qt::Key_Home);
+    EXPECT_EQ(Module1::cur_drive, 1);
+    EXPECT_EQ(Module1::mSelectedItem, 0) << "or a file of the other list's row would be taken";
+}
+
 TEST_F(SelectionTest, AClickBesideTheRowsLeavesTheSelection) {
     Click(1, 1);
     QTest::mouseClick(List(1).viewport(), Qt::LeftButton, {}, QPoint(50, 400));
@@ -393,11 +401,11 @@ TEST_F(MainWindowTest, TheWindowIsFoundWhereItWas) {
     EXPECT_EQ(window->width(), 800);
     EXPECT_EQ(window->centralWidget()->height(), 600);
     window->move(30, 40);
-    window->resize(window->size() + QSize(100, 50));
+    window->resize(window->size() + QSize(0, 50)); // no wider than this screen
     window->close();
     Start();
     EXPECT_EQ(window->pos(), QPoint(30, 40));
-    EXPECT_EQ(window->centralWidget()->size(), QSize(900, 650));
+    EXPECT_EQ(window->centralWidget()->size(), QSize(800, 650));
 }
 
 TEST_F(MainWindowTest, StartHoldsTheWidthTo800AndDraggingTo400_Meant) {
