@@ -65,6 +65,21 @@ void CheckSearch(int drive, int file) {
     Require(found >= 0 || ends_early, "only the end of the search hides a file");
 }
 
+/// A name that a sidecar can hold, and that arrives as it is.
+bool IsPlainName(std::string_view name) {
+    return std::ranges::all_of(name, [](char c) { return c > ' ' && c < 127; });
+}
+
+bool IsListedWhereverItGoes(int drive) {
+    const int start = GetStartSectorOfDrive(drive);
+    const int in_first = Module1::DiscImg.Byte(start + kCountByte);
+    const int in_second = Module1::DiscImg.Byte(start + kSecondCatalogue + kCountByte);
+    const bool watford = IsWatfordDFS(drive);
+    return in_first % 8 == 0 && in_first < kFullCount &&
+           std::ssize(ListFiles(drive)) == GetNumberOfDirEntries(drive) &&
+           (!watford || (in_first > 0 && in_second % 8 == 0 && in_second < kFullCount));
+}
+
 } // namespace
 
 Range CatalogueOf(int drive) {
@@ -133,6 +148,18 @@ void CheckFreeSpace(int drive) {
                 "no file lies in free space");
     }
     ShowFree(drive);
+}
+
+bool ArrivesWhole(const ListRow& row, int drive) {
+    return IsPlainName(row.FileName) && IsListedWhereverItGoes(drive);
+}
+
+void CheckCopy(const ListRow& row, int drive) {
+    const auto rows = ListFiles(drive);
+    const auto copy = std::ranges::find(rows, row.FileName, &ListRow::FileName);
+    Require(copy != rows.end() && copy->Attr == row.Attr && copy->Load == row.Load &&
+                copy->Exec == row.Exec && copy->Size == row.Size,
+            "a copied file is listed as it was");
 }
 
 void BlockWatch::Restart() {

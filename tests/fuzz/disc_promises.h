@@ -1,9 +1,9 @@
 #pragma once
 
 #include "disc/disc_block.h"
+#include "disc/listing.h"
 
 #include <cstdint>
-#include <optional>
 #include <vector>
 
 // What holds of DiscImg whatever catalogue its bytes are taken for.
@@ -29,6 +29,13 @@ void CheckCatalogue(int drive);
 /// The free regions of `drive`, as they are kept, are those of its catalogue, ascend, never touch
 /// and hold no sector of a file.
 void CheckFreeSpace(int drive);
+
+/// True if a copy of the file will be listed on `drive` as it is here: its name fits a sidecar and
+/// the catalogue is neither damaged nor full, nor one whose first half alone is empty.
+[[nodiscard]] bool ArrivesWhole(const ListRow& row, int drive);
+
+/// The file of that row is listed on `drive`, too.
+void CheckCopy(const ListRow& row, int drive);
 
 /// Holds what the block was, to be compared with what it becomes.
 class BlockWatch {

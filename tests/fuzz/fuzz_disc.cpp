@@ -7,6 +7,7 @@
 #include "disc/module1.h"
 #include "exchange/export.h"
 #include "exchange/import.h"
+#include "exchange/sidecar.h"
 #include "fuzz/disc_promises.h"
 #include "fuzz/fuzz.h"
 #include "platform/text.h"
@@ -23,7 +24,7 @@
 // Any bytes are a disc, and whatever is done with it, in whatever order, its other side and the
 // files that it is not done to stay as they are. The last byte of the input says how the disc gets
 // into the block, the one before it how many bytes before those two are the commands; the rest is
-// what an image file would hold.
+// what an image file would hold, or hold many times.
 
 namespace quoravel {
 
@@ -34,6 +35,8 @@ namespace fs = std::filesystem;
 constexpr std::size_t kTail = 2;
 constexpr int kMostSteps = 16;
 constexpr int kMostSaves = 1; ///< of a whole image, which takes longer than all else
+
+constexpr unsigned kLong = 250; ///< from this form on the image is longer than a disc
 
 void LoadHalves(Bytes bytes) {
     NewDisc(0, kDriveTracks, false);
@@ -91,6 +94,7 @@ class Session {
     Changes Delete();
     Changes CompactDrive();
     Changes Import();
+    Changes CopyAcross();
     Changes New();
     Changes Export();
     Changes Pages();
@@ -103,6 +107,9 @@ class Session {
     /// What a command has changed that tells a refusal in a box.
     [[nodiscard]] Changes CatalogueUnless(bool refused) const;
 
+    /// Imports a file that holds `data`; no changes after a refusal.
+    [[nodiscard]] Changes ImportOnto(int drive, const fs::path& file, std::string_view data) const;
+
     ScriptedHost& desktop_;
     const TempFolder& folder_;
     Input commands_;
@@ -112,12 +119,13 @@ class Session {
 };
 
 void Session::Step() {
-    static constexpr std::array<Command, 15> kCommands{
+    static constexpr std::array<Command, 16> kCommands{
         &Session::SwapDrives, &Session::SetTheTitle, &Session::SetBoot,
         &Session::Lock,       &Session::Unlock,      &Session::SetAddresses,
         &Session::Rename,     &Session::Delete,      &Session::CompactDrive,
         &Session::Import,     &Session::New,         &Session::Export,
-        &Session::Pages,      &Session::SaveLinear,  &Session::SaveInterleaved};
+        &Session::Pages,      &Session::SaveLinear,  &Session::SaveInterleaved,
+        &Session::CopyAcross};
     was_dirty_ = Module1::gDirty;
     const Changes changes = (this->*kCommands[commands_.Number(kCommands.size())])();
     watch_.Check(changes);
@@ -250,23 +258,46 @@ Range RegionFor(int drive, std::size_t bytes) {
     return {};
 }
 
+Session::Changes Session::ImportOnto(int drive, const fs::path& file, std::string_view data) const {
+    const Range region = RegionFor(drive, data.size());
+    const bool refused = ImportFile(drive, file);
+    Require(refused == !desktop_.boxes.empty(), "every refusal is told, and nothing else");
+    if (refused)
+        return {};
+    Require(AsText(Module1::DiscImg.Part(region.begin, std::ssize(data))) == data,
+            "an imported file is on the disc");
+    return {CatalogueOf(drive), region};
+}
+
 Session::Changes Session::Import() {
-    const int drive = Module1::cur_drive;
     const bool with_sidecar = commands_.Number(2) == 0;
     const std::string data = MyString(static_cast<int>(commands_.Number()) + 1, commands_.Text(64));
     const fs::path file = folder_.File("T.FILE", data);
     const fs::path sidecar = folder_.path() / "T.FILE.INF";
     if (with_sidecar)
         folder_.File("T.FILE.INF", commands_.Text(80));
-    const Range region = RegionFor(drive, data.size());
-    const bool refused = ImportFile(drive, file);
+    auto changes = ImportOnto(Module1::cur_drive, file, data);
     fs::remove(sidecar);
-    auto changes = CatalogueUnless(refused);
-    if (refused)
-        return changes;
-    Require(std::ranges::equal(AsText(Module1::DiscImg.Part(region.begin, std::ssize(data))), data),
-            "an imported file is on the disc");
-    changes.push_back(region);
+    return changes;
+}
+
+/// A file is dragged to the list of the other drive.
+Session::Changes Session::CopyAcross() {
+    const auto rows = ListFiles(Module1::cur_drive);
+    if (rows.empty())
+        return {};
+    const ListRow& row = rows[commands_.Number() % rows.size()];
+    const auto files = ExportRow(row, Module1::cur_drive, folder_.path());
+    Require(files.has_value(), "a listed file goes out");
+    const int other = 1 - Module1::cur_drive;
+    const bool arrives_whole = ArrivesWhole(row, other);
+    Changes changes;
+    if (!IsSidecarName(files->data))
+        changes = ImportOnto(other, files->data, TextOf(files->data));
+    if (!changes.empty() && arrives_whole)
+        CheckCopy(row, other);
+    fs::remove(files->data);
+    fs::remove(files->sidecar);
     return changes;
 }
 
@@ -333,10 +364,13 @@ Session::Changes Session::SaveLinear() {
 }
 
 void Load(const TempFolder& folder, Bytes bytes, unsigned form) {
-    if (form == 0)
+    std::vector<std::uint8_t> image(bytes.begin(), bytes.end());
+    while (form >= kLong && !image.empty() && image.size() < kDiscBytes + kTrackBytes)
+        image.insert(image.end(), bytes.begin(), bytes.end());
+    if (form % 3 == 0)
         LoadHalves(bytes);
     else
-        LoadThroughFile(folder, bytes, form == 2);
+        LoadThroughFile(folder, image, form % 3 == 2);
 }
 
 } // namespace
@@ -352,7 +386,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     ScriptedHost desktop;
     const Bytes input = Bytes(data, size).first(size - kTail);
     const Bytes commands = input.last(std::min<std::size_t>(input.size(), data[size - kTail]));
-    Load(folder, input.first(input.size() - commands.size()), data[size - 1] % 3);
+    Load(folder, input.first(input.size() - commands.size()), data[size - 1]);
     Session(desktop, folder, commands, watch).Run();
     return 0;
 }
