@@ -33,7 +33,6 @@ frmRX::frmRX() : pb_(new QProgressBar(this)) {
     TellAs(*this, QAccessible::Dialog);
     setObjectName(QStringLiteral("frmRX"));
     setWindowTitle(QStringLiteral("Receive Disc Image"));
-    setMinimumWidth(kLeastWidth);
     auto* column = new QVBoxLayout(this);
     lblTtl_ =
         AddLabel(*this, *column, QStringLiteral("lblTtl"), QStringLiteral("Receive In Progress"));
@@ -41,6 +40,7 @@ frmRX::frmRX() : pb_(new QProgressBar(this)) {
                       QStringLiteral("Receiving Track 0 of 159"));
     pb_->setObjectName(QStringLiteral("pb"));
     pb_->setAccessibleName(QStringLiteral("Progress"));
+    pb_->setMinimumWidth(kLeastWidth); // not the window's: it is to grow with its texts
     pb_->setRange(0, 100);
     pb_->setValue(0);
     column->addWidget(pb_);
