@@ -45,7 +45,7 @@ ForegroundNormal=252,252,252
 BackgroundNormal=49,54,59
 ForegroundNormal=252,252,252
 DARK
-        collection 12
+        collection 14
     }
     clean_up() { [ "$(readlink "$port")" != "${home:-?}/line" ] || rm -f "$port"; }
     font_size=${2-}
