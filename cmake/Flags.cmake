@@ -18,8 +18,10 @@ include(CheckCXXCompilerFlag)
 include(CheckPIESupported)
 check_pie_supported(LANGUAGES CXX)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
-target_compile_definitions(quoravel_flags INTERFACE
-    $<$<OR:$<CONFIG:Debug>,$<BOOL:${QUORAVEL_SANITIZE}>>:_GLIBCXX_ASSERTIONS>)
+target_compile_definitions(quoravel_flags INTERFACE $<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
+if(QUORAVEL_SANITIZE)
+    target_compile_definitions(quoravel_flags INTERFACE _GLIBCXX_ASSERTIONS)
+endif()
 foreach(flag IN ITEMS -fstack-protector-strong -fstack-clash-protection -fcf-protection)
     check_cxx_compiler_flag(${flag} QUORAVEL_HAS${flag}) # the last one is for x86 alone
     if(QUORAVEL_HAS${flag})
