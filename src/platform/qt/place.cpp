@@ -10,6 +10,7 @@ namespace quoravel {
 namespace {
 
 constexpr int kTitleHeight = 24;    // about what window managers draw above the frame's content
+constexpr int kMenuHeight = 24;     // about what a menu bar takes of it
 constexpr QSize kReachable(64, 12); // enough of a title bar to take hold of
 
 bool CanBeReached(const QRect& window, const QRect& screen) {
@@ -50,10 +51,11 @@ QRect InsideSomeScreen(const QRect& window, const QList<QRect>& screens) {
         return window;
     const QRect screen = *std::ranges::min_element(
         screens, {}, [&](const QRect& s) { return DistanceFrom(s, window.center()); });
-    const QSize size = window.size().boundedTo(screen.size());
-    return {{Fit(window.left(), size.width(), screen.left(), screen.right()),
-             Fit(window.top(), size.height(), screen.top(), screen.bottom())},
-            size};
+    const QSize bars(0, kTitleHeight + kMenuHeight);
+    const QSize outer = (window.size() + bars).boundedTo(screen.size());
+    return {{Fit(window.left(), outer.width(), screen.left(), screen.right()),
+             Fit(window.top(), outer.height(), screen.top(), screen.bottom())},
+            outer - bars};
 }
 
 QRect InsideSomeScreen(const QRect& window) {
