@@ -12,7 +12,7 @@ xdotool() { timeout 20 xdotool "$@"; }
 # caller may have a function `furnish` that puts more into that home, and `clean_up`.
 in_display() {
     home=$(mktemp -d)
-    trap 'rm -rf "$home"; ! declare -F clean_up >/dev/null || clean_up' EXIT
+    trap '! declare -F clean_up >/dev/null || clean_up; rm -rf "$home"' EXIT
     cp "$root"/tests/data/discs/*.?sd "$home"
     mkdir "$home/config"
     ! declare -F furnish >/dev/null || furnish
