@@ -308,6 +308,16 @@ TEST_F(SelectionTest, HomeChoosesARowThatIsCurrentAlready) {
     EXPECT_EQ(Module1::mSelectedItem, 0) << "or a file of the other list's row would be taken";
 }
 
+TEST_F(SelectionTest, TheGreyOfTheOtherListFollowsTheDesktopIntoTheDark) {
+    const QPalette light = QApplication::palette();
+    QApplication::setPalette(QPalette(Qt::darkGray, Qt::black)); // as a desktop does
+    QCoreApplication::processEvents();
+    const QPalette& shown = List(1).palette();
+    EXPECT_EQ(shown.color(QPalette::HighlightedText), QColor(Qt::white));
+    EXPECT_LT(shown.color(QPalette::Highlight).lightness(), 128);
+    QApplication::setPalette(light);
+}
+
 TEST_F(SelectionTest, AClickBesideTheRowsLeavesTheSelection) {
     Click(1, 1);
     QTest::mouseClick(List(1).viewport(), Qt::LeftButton, {}, QPoint(50, 400));
