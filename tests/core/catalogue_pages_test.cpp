@@ -9,13 +9,12 @@
 #include <algorithm>
 #include <gmock/gmock.h>
 #include <span>
+#include <tuple>
 
 namespace quoravel {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::StartsWith;
 
 class CataloguePages : public DiscTest {
   protected:
@@ -53,66 +52,42 @@ std::string Field(const std::string& key, char attr = ' ') {
     return field + attr + "      ";
 }
 
-TEST_F(CataloguePages, TheHeaderHasThreeLinesAndAnEmptyOne) {
-    DiscBuilder(0).Title("GAMES").Byte(260, 0x12).Byte(262, 0xFF);
-    DiscBuilder(1).Title("A LONG TITLE").Byte(260, 0x05);
-    TextSink sink;
-    ListHeader(0, sink);
-    EXPECT_THAT(sink.pieces, ElementsAre("GAMES (12) FM\r", "Drive 0             Option 3 (Exec)\r",
-                                         "Dir. :0.$           Lib. :0.$\r\r"));
-    Module1::cur_drive = 1;
-    EXPECT_EQ(Cat(), "A LONG TITLE (5) FM\r"
-                     "Drive 1             Option 0 (Off )\r"
-                     "Dir. :1.$           Lib. :1.$\r\r\r\r");
-}
-
-TEST_F(CataloguePages, AnyCycleByteAndOptionGiveALine) {
-    struct Row {
-        int cycle, flags;
-        const char* number;
-        const char* option;
-    };
-
-    for (const Row& r : {Row{0x99, 0x1C, "99", "1 (Load)"}, Row{0xFF, 0x2F, "65", "2 (Run )"},
-                         Row{0xAB, 0xF3, "11", "3 (Exec)"}, Row{0x00, 0xC3, "0", "0 (Off )"}}) {
-        DiscBuilder(0).Byte(260, r.cycle).Byte(262, r.flags);
-        EXPECT_THAT(Cat(), StartsWith(std::string(" (") + r.number + ") FM\r" +
-                                      "Drive 0             Option " + r.option + "\r"));
+TEST_F(CataloguePages, AnyCycleByteAndOptionGiveAHeader) {
+    using Row = std::tuple<int, int, const char*, const char*>;
+    for (const auto& [cycle, flags, number, option] :
+         {Row{0x12, 0xFF, "12", "3 (Exec)"}, Row{0x05, 0x1C, "5", "1 (Load)"},
+          Row{0xFF, 0x2F, "65", "2 (Run )"}, Row{0xAB, 0xC3, "11", "0 (Off )"}}) {
+        DiscBuilder(1).Title("A LONG TITLE").Byte(260, cycle).Byte(262, flags);
+        Module1::cur_drive = 1;
+        TextSink sink;
+        ListHeader(kDriveBytes, sink);
+        EXPECT_THAT(sink.pieces,
+                    ElementsAre("A LONG TITLE (" + std::string(number) + ") FM\r",
+                                "Drive 1             Option " + std::string(option) + "\r",
+                                "Dir. :1.$           Lib. :1.$\r\r"));
     }
 }
 
 TEST_F(CataloguePages, CatPutsTheFilesOfDollarInFrontOfTheOthers) {
     const auto file = [](const char* name, char dir) { return Entry{.name = name, .dir = dir}; };
-
-    struct Row {
-        const char* what;
-        std::vector<Entry> files;
-        std::string page;
-    };
-
-    const std::vector<Row> rows{
-        {"no files", {}, "\r\r"},
-        {"one in $", {file("ONE", '$')}, Field("  ONE") + "\r\r"},
-        {"two in $",
-         {file("TWO", '$'), file("ONE", '$')},
-         Field("  ONE") + Field("  TWO") + "\r\r"},
-        {"three in $, two in A",
-         {file("c", '$'), file("E", 'A'), file("B", '$'), file("D", 'A'), file("A", '$')},
-         Field("  A") + Field("  B") + "\r" + Field("  c") + "\r\r" + Field("A.D") + Field("A.E") +
-             "\r\r"},
-        {"two in $, one in A",
-         {file("C", 'A'), file("B", '$'), file("A", '$')},
-         Field("  A") + Field("  B") + "\r\r" + Field("A.C") + "\r\r"},
-        {"none in $",
-         {file("SEVENCH", 'b'), file("Y", 'C'), file("X", 'A')},
-         Field("A.X") + Field("b.SEVENCH") + "\r" + Field("C.Y") + "\r\r"},
-    };
-    for (const Row& r : rows) {
-        SCOPED_TRACE(r.what);
+    using Row = std::tuple<const char*, std::vector<Entry>, std::string>;
+    for (const auto& [what, files, page] :
+         {Row{"no files", {}, "\r\r"},
+          Row{"two in $",
+              {file("TWO", '$'), file("ONE", '$')},
+              Field("  ONE") + Field("  TWO") + "\r\r"},
+          Row{"three in $, two in A",
+              {file("c", '$'), file("E", 'A'), file("B", '$'), file("D", 'A'), file("A", '$')},
+              Field("  A") + Field("  B") + "\r" + Field("  c") + "\r\r" + Field("A.D") +
+                  Field("A.E") + "\r\r"},
+          Row{"none in $",
+              {file("SEVENCH", 'b'), file("Y", 'C'), file("X", 'A')},
+              Field("A.X") + Field("b.SEVENCH") + "\r" + Field("C.Y") + "\r\r"}}) {
+        SCOPED_TRACE(what);
         DiscBuilder disc;
-        for (const Entry& entry : r.files)
+        for (const Entry& entry : files)
             disc.File(entry);
-        EXPECT_EQ(CatFiles(), r.page);
+        EXPECT_EQ(CatFiles(), page);
     }
 }
 
@@ -123,10 +98,6 @@ TEST_F(CataloguePages, ALockShowsAndLeavesTheDirectoryAlone) {
     EXPECT_EQ(CatFiles(), Field("  HELLO", 'L') + "\r\r" + Field("Z.SEVENCH") + "\r\r");
     EXPECT_EQ(EX(), "$.HELLO    L  FF1900  FF8023  000100  000\r"
                     "Z.SEVENCH     021900  000000  FFFFFF  31F\r");
-}
-
-TEST_F(CataloguePages, EXIsEmptyOnAnEmptyDisc) {
-    EXPECT_THAT(EX(), IsEmpty());
 }
 
 // The listing ends at an entry without a name, whatever the count says.
@@ -143,40 +114,32 @@ TEST_F(CataloguePages, RowsLeftEmptyComeFirst) {
     }
 }
 
-TEST_F(CataloguePages, EqualNamesStayInCatalogueOrderIfNothingIsCarriedPastThem) {
+TEST_F(CataloguePages, MeantAnExchangeCarriesOneOfTwoEqualNamesPastTheOther) {
     DiscBuilder().File({.name = "abc"}).File({.name = "ABC"}).File({.name = "ABD"});
     EXPECT_EQ(CatFiles(), Field("  abc") + Field("  ABC") + "\r" + Field("  ABD") + "\r\r");
-}
-
-TEST_F(CataloguePages, MeantAnExchangeCarriesOneOfTwoEqualNamesPastTheOther) {
     DiscBuilder().File({.name = "abc"}).File({.name = "ABC"}).File({.name = "ABB"});
     EXPECT_EQ(CatFiles(), Field("  ABB") + Field("  ABC") + "\r" + Field("  abc") + "\r\r");
 }
 
 TEST_F(CataloguePages, AWatfordDiscShowsAllOfItsFiles) {
     DiscBuilder(0, DiscBuilder::kWatford).Fill(31, 31);
-    const std::string cat = CatFiles();
-    EXPECT_EQ(cat.size(), 62 * 20 + 31 + 1U);
+    EXPECT_EQ(CatFiles().size(), 62 * 20 + 31 + 1U);
     const std::string ex = EX();
     EXPECT_EQ(std::ranges::count(ex, '\r'), 62);
-    for (const char* name : {"$.A0 ", "$.A30 ", "$.B0 ", "$.B30 "})
-        EXPECT_NE(ex.find(name), std::string::npos) << name;
+    EXPECT_NE(ex.find("$.B30 "), std::string::npos);
 }
 
-TEST_F(CataloguePages, APageFollowsTheUserToTheOtherDriveWhileItIsRead) {
+TEST_F(CataloguePages, APageFollowsTheUserToTheOtherDriveUnlessItMustNotBeInterrupted) {
     DiscBuilder(0).File({.name = "FIRST0"}).File({.name = "SECOND0"});
     DiscBuilder(1).File({.name = "FIRST1"}).File({.name = "SECOND1"});
-    desktop.on_pump = [] { Module1::cur_drive = 1; };
-    EXPECT_EQ(CatFiles(), Field("  FIRST0") + Field("  SECOND1") + "\r\r");
-    EXPECT_GT(desktop.pumps, 0);
-}
-
-TEST_F(CataloguePages, WhoeverMustNotBeInterruptedGetsEXWithoutPumping) {
-    DiscBuilder(0).File({.name = "FIRST"}).File({.name = "SECOND"});
     TextSink sink;
     ListEX(sink, [] {});
+    EXPECT_EQ(desktop.pumps, 0);
     EXPECT_EQ(sink.Text(), EX());
-    EXPECT_EQ(desktop.pumps, 1) << "of the second listing";
+    EXPECT_GT(desktop.pumps, 0);
+    desktop.now += std::chrono::hours(1);
+    desktop.on_pump = [] { Module1::cur_drive = 1; };
+    EXPECT_EQ(CatFiles(), Field("  FIRST0") + Field("  SECOND1") + "\r\r");
 }
 
 TEST_F(CataloguePages, TheMapHasALineForEachFreeRegion) {
