@@ -7,6 +7,7 @@
 #include <chrono>
 #include <gmock/gmock.h>
 #include <map>
+#include <tuple>
 
 namespace quoravel {
 namespace {
@@ -15,7 +16,6 @@ using testing::ElementsAre;
 using Pieces = std::vector<std::string>;
 
 constexpr int kBase = 0x300;
-const std::string kRefusal = "This does not appear to be a BASIC program";
 
 class BasicLister : public DiscTest {
   protected:
@@ -47,16 +47,14 @@ class BasicLister : public DiscTest {
 TEST_F(BasicLister, HandsOverALineAtATimeWhateverItsLengthByteSays) {
     EXPECT_THAT(List("0D 00 0A 07 F1 20 31 0D 00 14 FF 0D FE FF 00 F4 0D FF", "00 0A 00 0D"),
                 ElementsAre("   10 PRINT 1\r", "   20 \r", "65279 REM\r"));
+    EXPECT_THAT(List("0D 00 0A 00 22 F1 0D 00 14 00 F1 0D FF"),
+                ElementsAre("   10 \"\xF1\r", "   20 PRINT\r"))
+        << "an open quote ends with its line";
 }
 
 TEST_F(BasicLister, WritesKeywordsOutsideQuotesAndEverythingElseAsItIs) {
-    struct Row {
-        const char* what;
-        const char* bytes;
-        const char* shown;
-    };
-
-    for (const Row& r :
+    using Row = std::tuple<const char*, const char*, const char*>;
+    for (const auto& [what, bytes, shown] :
          {Row{"no space of its own", "E7 58 8C 8B", "IFXTHENELSE"},
           Row{"first and last token", "80 FF", "ANDOSCLI"},
           Row{"each variable has two tokens", "8F 90 91 92 93 CF D0 D1 D2 D3",
@@ -66,72 +64,49 @@ TEST_F(BasicLister, WritesKeywordsOutsideQuotesAndEverythingElseAsItIs) {
           Row{"in REM and DATA", "F4 20 22 81 22 81 DC 8D 54 4A 40", "REM \"\x81\"DIVDATA10"},
           Row{"control codes, in quotes too", "00 41 07 22 1F 22", " [0x00] A [0x07] \" [0x1F] \""},
           Row{"delete", "7F 22 7F", "\x7F\"\x7F"}}) {
-        SCOPED_TRACE(r.what);
-        EXPECT_EQ(Line(r.bytes), r.shown);
+        SCOPED_TRACE(what);
+        EXPECT_EQ(Line(bytes), shown);
     }
 }
 
-TEST_F(BasicLister, AnOpenQuoteEndsWithItsLine) {
-    EXPECT_THAT(List("0D 00 0A 00 22 F1 0D 00 14 00 F1 0D FF"),
-                ElementsAre("   10 \"\xF1\r", "   20 PRINT\r"));
-}
-
 TEST_F(BasicLister, LineNumbersInALineAreRightBelow16384AndTooSmallFromThereOn) {
-    struct Row {
-        const char* what;
-        const char* bytes;
-        const char* shown;
-    };
-
-    for (const Row& r : {Row{"10", "54 4A 40", "10"}, Row{"100", "44 64 40", "100"},
-                         Row{"164", "74 64 40", "164"}, Row{"255", "64 7F 40", "255"},
-                         Row{"16383", "64 7F 7F", "16383"}, Row{"16384", "50 40 40", "0"},
-                         Row{"32767", "60 7F 7F", "16191"}, Row{"below 0", "54 00 3F", "-320"},
-                         Row{"not of this form at all", "FF FF FF", "49087"}}) {
-        SCOPED_TRACE(r.what);
-        EXPECT_EQ(Line(std::string("E5 8D ") + r.bytes), std::string("GOTO") + r.shown);
+    using Row = std::tuple<std::string, const char*>;
+    for (const auto& [bytes, shown] :
+         {Row{"44 64 40", "100"}, Row{"74 64 40", "164"}, Row{"64 7F 7F", "16383"},
+          Row{"50 40 40", "0"}, Row{"54 00 3F", "-320"}, Row{"FF FF FF", "49087"}}) {
+        SCOPED_TRACE(bytes);
+        EXPECT_EQ(Line("E5 8D " + bytes), std::string("GOTO") + shown);
     }
 }
 
 TEST_F(BasicLister, ALineCutByTheEndOfTheFileIsShownOnlyIfACrFollows) {
-    struct Row {
-        const char* what;
-        const char* bytes;
-        const char* behind;
-        Pieces pieces;
-    };
-
-    const std::vector<Row> rows{
-        {"in its text", "0D 00 0A 05 F1", "0D FF", {}},
-        {"behind its header", "0D 00 0A 05", "0D FF", {"   10 \r"}},
-        {"behind its header, no CR", "0D 00 0A 05", "F1 0D FF", {}},
-        {"in its header", "0D 00 0A", "05 0D FF", {"   10 \r"}},
-        {"in its number", "0D 00", "0A 05 0D FF", {}},
-        {"in a number in its text", "0D 00 0A 09 E5 8D", "44 64 40 0D FF", {}},
-        {"before the end of the program", "0D 00 0A 05 F1 0D", "00 14 05 F1", {"   10 PRINT\r"}},
-        {"behind the first CR", "0D", "00 0A 05 F1 0D FF", {}},
-        {"before anything", "", "0D 00 0A 05 F1 0D FF", {}},
-    };
-    for (const Row& r : rows) {
-        SCOPED_TRACE(r.what);
-        EXPECT_EQ(List(r.bytes, r.behind), r.pieces);
+    using Row = std::tuple<const char*, const char*, const char*, Pieces>;
+    for (const auto& [what, bytes, behind, pieces] :
+         {Row{"in its text", "0D 00 0A 05 F1", "0D FF", {}},
+          Row{"behind its header", "0D 00 0A 05", "0D FF", {"   10 \r"}},
+          Row{"behind its header, no CR", "0D 00 0A 05", "F1 0D FF", {}},
+          Row{"in its header", "0D 00 0A", "05 0D FF", {"   10 \r"}},
+          Row{"in its number", "0D 00", "0A 05 0D FF", {}},
+          Row{"in a number in its text", "0D 00 0A 09 E5 8D", "44 64 40 0D FF", {}},
+          Row{"before the end", "0D 00 0A 05 F1 0D", "00 14 05 F1", {"   10 PRINT\r"}},
+          Row{"before anything", "", "0D 00 0A 05 F1 0D FF", {}}}) {
+        SCOPED_TRACE(what);
+        EXPECT_EQ(List(bytes, behind), pieces);
     }
 }
 
 TEST_F(BasicLister, AFileThatStartsWithoutCrGetsOneMessageWithoutALineEnd) {
-    EXPECT_THAT(List("00 0D 00 0A 05 F1 0D FF"), ElementsAre(kRefusal));
-    EXPECT_THAT(List("", "FF"), ElementsAre(kRefusal));
-    EXPECT_THAT(ListFile(kDiscBytes + 256, 100), ElementsAre(kRefusal));
-    EXPECT_THAT(ListFile(kDiscBytes + 256, 0xFFFFFF), ElementsAre(kRefusal));
+    const auto refused = ElementsAre("This does not appear to be a BASIC program");
+    EXPECT_THAT(List("00 0D 00 0A 05 F1 0D FF"), refused);
+    EXPECT_THAT(List("", "FF"), refused);
+    EXPECT_THAT(ListFile(kDiscBytes + 256, 0xFFFFFF), refused);
 }
 
 TEST_F(BasicLister, AFileThatRunsPastTheBlockListsWhatIsThere) {
-    const char* const cut = "0D 00 0A 05 F1 0D 00 14 05";
-    EXPECT_THAT(List(cut, {}, kDiscBytes - 9), ElementsAre("   10 PRINT\r"));
-    for (const std::uint32_t length : {0x100U, 0x2FFFFU, 0xFF0000U, 0xFFFFFFU}) {
-        SCOPED_TRACE(length);
-        EXPECT_THAT(ListFile(kDiscBytes - 9, length), ElementsAre("   10 PRINT\r"));
-    }
+    EXPECT_THAT(List("0D 00 0A 05 F1 0D 00 14 05", {}, kDiscBytes - 9),
+                ElementsAre("   10 PRINT\r"));
+    for (const std::uint32_t length : {0x100U, 0x2FFFFU, 0xFF0000U})
+        EXPECT_THAT(ListFile(kDiscBytes - 9, length), ElementsAre("   10 PRINT\r")) << length;
 }
 
 TEST_F(BasicLister, EventsRunWithinALineAsLongAsADrive) {
