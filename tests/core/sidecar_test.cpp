@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <tuple>
 
 namespace quoravel {
 namespace {
@@ -21,15 +22,10 @@ std::string Said(std::string_view line) {
 }
 
 TEST(Sidecar, BothFormsAreToldApartByTheirColumns) {
-    struct Row {
-        const char* what;
-        const char* line;
-        const char* said;
-    };
-
+    using Row = std::tuple<const char*, const char*, const char*>;
     const char* const hello = "$.HELLO|FF1900|FF8023|000100|";
     const char* const locked = "$.HELLO|FF1900|FF8023|000100|L";
-    for (const Row& r :
+    for (const auto& [what, line, said] :
          {Row{"short", "$.HELLO    FF1900 FF8023 000100   ", hello},
           Row{"short, locked", "$.HELLO    FF1900 FF8023 000100 L ", locked},
           Row{"short, nothing behind the length", "$.HELLO    FF1900 FF8023 000100", hello},
@@ -53,50 +49,29 @@ TEST(Sidecar, BothFormsAreToldApartByTheirColumns) {
           Row{"long, column 38", "$.HELLO    FFFF1900 FFFF8023 00000100x", "none"},
           Row{"long, no directory", "HELLO      FFFF1900 FFFF8023 00000100",
               "HELLO|FF1900|FF8023|000100|"},
+          // The short form would see a lock in column 33.
+          Row{"both", "$.A        123456 8 0123 567 01LL4567 x", "$.A|3456 8|23 567|LL4567|"},
           Row{"empty", "", "none"}}) {
-        SCOPED_TRACE(r.what);
-        EXPECT_EQ(Said(r.line), r.said);
+        SCOPED_TRACE(what);
+        EXPECT_EQ(Said(line), said);
     }
 }
 
-TEST(Sidecar, TheLongFormWinsWhereTheColumnsFitBoth) {
-    // The short form would see a lock in column 33.
-    EXPECT_EQ(Said("$.A        123456 8 0123 567 01LL4567 x"), "$.A|3456 8|23 567|LL4567|");
-}
-
-TEST(Sidecar, AnyBytesMayStandInALine) {
-    EXPECT_EQ(Said("$.A\0B     \0\xFF"
-                   "1900 FF8023 000100"s),
-              "none");
-    EXPECT_EQ(Said("$.A\0B      \0\xFF"
-                   "1900 FF8023 000100"s),
-              "$.A\0B|\0\xFF"
-              "1900|FF8023|000100|"s);
-}
-
 TEST(Sidecar, TheWrittenLineHasThirtyFourCharactersAndALineEnd) {
-    const ListRow row{"$.HELLO", " ", "001900", "008023", "000100", "002"};
-    EXPECT_EQ(SidecarText(row), "$.HELLO    001900 008023 000100   \n");
     EXPECT_EQ(SidecarText({"$.A/BCDEF", "L", "FF1900", "FF8023", "FF0100", "31F"}),
               "$.A/BCDEF  FF1900 FF8023 FF0100 L \n");
-    EXPECT_EQ(Said(SidecarText(row)), "$.HELLO|001900|008023|000100|");
 }
 
 TEST(Sidecar, ItsNameDiffersFromTheFilesByTheExtension) {
-    struct Row {
-        std::vector<const char*> there;
-        const char* found;
-    };
-
-    for (const Row& r : {Row{{"DATA.INF", "DATA.inf", "DATA.Inf"}, "DATA.INF"},
-                         Row{{"DATA.inf", "DATA.Inf", "data.INF"}, "DATA.inf"},
-                         Row{{"data.inf", "Data.INF", "dATA.INF"}, "Data.INF"},
-                         Row{{"DATA2.INF", "DATAxINF", "DAT.INF"}, ""}}) {
+    using Row = std::pair<std::vector<const char*>, const char*>;
+    for (const auto& [there, expected] : {Row{{"DATA.INF", "DATA.inf", "DATA.Inf"}, "DATA.INF"},
+                                          Row{{"DATA.inf", "DATA.Inf", "data.INF"}, "DATA.inf"},
+                                          Row{{"data.inf", "Data.INF", "dATA.INF"}, "Data.INF"},
+                                          Row{{"DATA2.INF", "DATAxINF", "DAT.INF"}, ""}}) {
         const TempFolder folder;
-        for (const char* name : r.there)
+        for (const char* name : there)
             folder.File(name, "x"sv);
-        const auto found = FindSidecar(folder.path() / "DATA");
-        EXPECT_EQ(found.value_or("").filename(), r.found);
+        EXPECT_EQ(FindSidecar(folder.path() / "DATA").value_or("").filename(), expected);
     }
 }
 
@@ -118,22 +93,15 @@ TEST(Sidecar, NamesOfSidecarsAreKnownInAnyCase) {
 }
 
 TEST(Sidecar, OnlyTheFirstLineCounts) {
-    struct Row {
-        const char* what;
-        std::string text;
-        std::string line;
-    };
-
     const TempFolder folder;
-    for (const Row& r :
-         {Row{"LF", "one\ntwo", "one"}, Row{"CR", "one\rtwo", "one"},
-          Row{"CR LF", "one\r\ntwo", "one"}, Row{"no line end", "one", "one"}, Row{"empty", "", ""},
-          Row{"empty line", "\none", ""}, Row{"byte order mark", "\xEF\xBB\xBFone", "one"},
-          Row{"mark alone", "\xEF\xBB\xBF", ""}, Row{"NUL", "o\0e\n"s, "o\0e"s}}) {
-        SCOPED_TRACE(r.what);
+    using Row = std::pair<std::string, std::string>;
+    for (const auto& [text, first] :
+         {Row{"one\ntwo", "one"}, Row{"one\rtwo", "one"}, Row{"one", "one"}, Row{"", ""},
+          Row{"\none", ""}, Row{"\xEF\xBB\xBFone", "one"}, Row{"o\0e\n"s, "o\0e"s}}) {
+        SCOPED_TRACE(text);
         std::string line = "old";
-        EXPECT_FALSE(ReadSidecarLine(folder.File("X.INF", r.text), line));
-        EXPECT_EQ(line, r.line);
+        EXPECT_FALSE(ReadSidecarLine(folder.File("X.INF", text), line));
+        EXPECT_EQ(line, first);
     }
 }
 
