@@ -4,6 +4,7 @@
 #include "support/temp_folder.h"
 
 #include <gmock/gmock.h>
+#include <tuple>
 
 namespace quoravel {
 namespace {
@@ -62,22 +63,17 @@ TEST_F(PrefsStore, AFirstStartLeavesAFileWithoutKeys) {
 
 TEST_F(PrefsStore, WhatIsStoredIsThereInTheNextRun) {
     Start();
+    const std::string before = Saved();
     SetPrefInteger("MainLeft", -20);
     SetPrefBoolean("AutoLoad", false);
     SetPrefString("Name", "Gr\xC3\xBC\xC3\x9F <&>\r\n");
+    EXPECT_EQ(Saved(), before) << "nothing reaches the disc before the next write";
     WritePrefFile();
     StartAgain();
     EXPECT_EQ(GetPrefInteger("MainLeft", 0), -20);
     EXPECT_FALSE(GetPrefBoolean("AutoLoad", true));
     EXPECT_EQ(GetPrefString("Name", ""), "Gr\xC3\xBC\xC3\x9F <&>\r\n");
     EXPECT_THAT(host_.boxes, IsEmpty());
-}
-
-TEST_F(PrefsStore, NothingReachesTheDiscBeforeTheNextWrite) {
-    Start();
-    const std::string before = Saved();
-    SetPrefInteger("MainLeft", 1);
-    EXPECT_EQ(Saved(), before);
 }
 
 TEST_F(PrefsStore, EveryUseBeforeTheStartIsToldAndGivesTheDefault) {
@@ -125,29 +121,25 @@ TEST_F(PrefsStore, UnknownKeysAreKept) {
 }
 
 TEST_F(PrefsStore, AFileThatCannotBeTakenIsKeptBesideTheNewOne) {
-    struct Row {
-        const char* what;
-        const char* text;
-    };
-
+    using Row = std::tuple<const char*, const char*>;
     const Row rows[] = {
         {"empty", ""},
         {"cut off", "<xmldict><key>a</key><integer>1"},
         {"from the future", "<xmldict version='1.2'/>"},
         {"no dict in it", "<plist version='1.0'><array/></plist>"},
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.what);
+    for (const auto& [what, text] : rows) {
+        SCOPED_TRACE(what);
         const TempFolder folder;
         host_.preferences_folder = folder.path();
-        folder.File(kName, row.text);
+        folder.File(kName, text);
         ForgetPrefFile();
         InitPrefFile(kName);
         EXPECT_THAT(host_.TakeBoxTexts(), ElementsAre(kBadFile));
         EXPECT_THAT(folder.Names(), ElementsAre(kName)) << "moved before there was a need";
         SetPrefInteger("a", 2);
         WritePrefFile();
-        EXPECT_EQ(TextOf(folder.path() / "Quoravel.pref.bad"), row.text);
+        EXPECT_EQ(TextOf(folder.path() / "Quoravel.pref.bad"), text);
         StartAgain();
         EXPECT_EQ(GetPrefInteger("a", 0), 2);
         EXPECT_THAT(host_.TakeBoxTexts(), IsEmpty());
