@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <gmock/gmock.h>
+#include <tuple>
 
 namespace quoravel {
 
@@ -31,14 +32,6 @@ class LinkReceiveTest : public LinkTest {
     }
 
     bool ReceiveSide(int drive) { return RX_SSD(drive, desk, received); }
-
-    /// Spoils the first answer to one message.
-    void Spoil(const std::string& message, const std::function<void(Reply&)>& how) {
-        micro.spoil = [=, done = false](Reply& reply) mutable {
-            if (reply.to == message && !std::exchange(done, true))
-                how(reply);
-        };
-    }
 
     std::filesystem::path file = folder.path() / "NewDisc.ssd";
     std::filesystem::path received;
@@ -113,17 +106,10 @@ TEST_F(LinkReceiveTest, ACancelledDialogSendsNothing) {
 }
 
 TEST_F(LinkReceiveTest, WhatFailsBeforeTheFirstTrackIsTold) {
-    struct Row {
-        const char* what;
-        std::string message;
-        std::string answer;
-        std::string box;
-        bool drains;
-    };
-
+    using Row = std::tuple<const char*, std::string, std::string, std::string, bool>;
     const std::string success = "-----BBC-----PC-----\r";
     const std::string dfs = "Problems changing to DFS";
-    for (const Row& row : {
+    for (const auto& [what, message, answer, box, drains] : {
              Row{"no answer", "*DISC", "", dfs, true},
              Row{"another answer", "*DISC", "Bad command\r", dfs, true},
              Row{"a byte more", "*DISC", success + "\r", dfs, true},
@@ -132,15 +118,15 @@ TEST_F(LinkReceiveTest, WhatFailsBeforeTheFirstTrackIsTold) {
              Row{"a short size", "N", "1\r", "Unknown Disc Size", false},
              Row{"another size", "N", "204801\r", "Unknown Disc Size", false},
          }) {
-        SCOPED_TRACE(row.what);
+        SCOPED_TRACE(what);
         desktop.boxes.clear();
         desktop.files = {file};
         std::int64_t told = 0;
         desktop.on_box = [&](std::string_view) { told = Milliseconds(); };
-        Spoil(row.message, [&](Reply& reply) { reply.bytes = row.answer; });
+        Spoil(message, [&](Reply& reply) { reply.bytes = answer; });
         EXPECT_FALSE(ReceiveSide(2));
-        EXPECT_EQ(desktop.boxes, (std::vector<ScriptedHost::Box>{{row.box, "GetDisc Error"}}));
-        EXPECT_EQ(Milliseconds() - told, row.drains ? 2000 : 0);
+        EXPECT_EQ(desktop.boxes, (std::vector<ScriptedHost::Box>{{box, "GetDisc Error"}}));
+        EXPECT_EQ(Milliseconds() - told, drains ? 2000 : 0);
         EXPECT_FALSE(std::filesystem::exists(file));
         EXPECT_EQ(desk.window, nullptr);
     }

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <gmock/gmock.h>
-#include <random>
 
 namespace quoravel {
 
@@ -24,14 +23,6 @@ class LinkSendTest : public LinkTest {
         desktop.files = {folder.File("image.ssd", image)};
         TX_DISC(drive, single_sided, desk);
         return image;
-    }
-
-    /// Spoils the first answer to one message.
-    void Spoil(const std::string& message, const std::function<void(Reply&)>& how) {
-        micro.spoil = [=, done = false](Reply& reply) mutable {
-            if (reply.to == message && !std::exchange(done, true))
-                how(reply);
-        };
     }
 
     /// What was heard from the first track on.
@@ -132,19 +123,6 @@ TEST_F(LinkSendTest, AFailureIsAnsweredWithTheSameTrackAgain) {
     }
 }
 
-TEST_F(LinkSendTest, ADamagedPacketIsSentAgain) {
-    for (const std::size_t byte : {0U, 1U, 10U}) { // of the packet
-        SCOPED_TRACE(byte);
-        micro.heard.clear();
-        micro.garble = [byte, seen = 0U](std::string& bytes) mutable {
-            if (bytes.size() == 1 && bytes != "*" && seen++ == byte)
-                bytes[0] ^= 4;
-        };
-        EXPECT_EQ(Send(5120), micro.discs[0]);
-        EXPECT_EQ(std::ranges::count(micro.heard, "g 0 0"), 2);
-    }
-}
-
 TEST_F(LinkSendTest, WhatFailsBeforeTheFirstTrackIsTold) {
     for (const auto& [message, box] : std::map<std::string, std::string>{
              {"*DISC", "Problems changing to DFS"}, {"DRIVE 0", "Problems setting drive 0"}}) {
@@ -194,43 +172,6 @@ TEST_F(LinkSendTest, CancelGivesTheTrackUpAndIsOverThen) {
     Send(2560); // the last track is out
     EXPECT_TRUE(Module1::TXAbort);
     EXPECT_EQ(desktop.sounds.size(), 1U);
-}
-
-TEST_F(LinkSendTest, AWholeDiscGoesOutAndComesBackThroughABadLine) {
-    std::mt19937 random(7); // NOLINT(cert-msc51-cpp): the same faults each time
-    std::vector<std::uint8_t> image(409600);
-    for (std::size_t i = 0; i < image.size(); ++i)
-        image[i] = static_cast<std::uint8_t>(i / 2560 % 3 == 0 ? random() : i / 200);
-    int faults = 0;
-    const auto damage = [&](std::string& bytes) {
-        const auto at = static_cast<std::ptrdiff_t>(random() % bytes.size());
-        switch (++faults % 3) {
-        case 0:
-            bytes.erase(bytes.begin() + at);
-            break;
-        case 1:
-            bytes.insert(bytes.begin() + at, 'x');
-            break;
-        default:
-            bytes.at(static_cast<std::size_t>(at)) ^= 64;
-        }
-    };
-    micro.garble = [&](std::string& bytes) {
-        if (bytes.size() == 1 && bytes != "*" && random() % 9000 == 0) // within packets
-            damage(bytes);
-    };
-    desktop.files = {folder.File("out.dsd", image), folder.path() / "back.dsd"};
-    TX_DISC(0, false, desk);
-    const int faults_out = faults;
-    micro.spoil = [&](Reply& reply) {
-        if (reply.to.starts_with("G") && random() % 10 == 0)
-            damage(reply.bytes);
-    };
-    std::filesystem::path back;
-    ASSERT_TRUE(RX_DSD(0, desk, back));
-    EXPECT_EQ(BytesOf(back), image);
-    EXPECT_GT(faults_out, 5);
-    EXPECT_GT(faults, faults_out + 5);
 }
 
 } // namespace

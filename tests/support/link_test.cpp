@@ -81,6 +81,14 @@ void LinkWorld::Cancel() {
     Module1::TXAbort = true;
 }
 
+void LinkWorld::Spoil(const std::string& message,
+                      const std::function<void(CompanionDouble::Reply&)>& how) {
+    micro.spoil = [=, done = false](CompanionDouble::Reply& reply) mutable {
+        if (reply.to == message && !std::exchange(done, true))
+            how(reply);
+    };
+}
+
 void LinkWorld::Trace() {
     Module1::gTraceWindow = true;
     InstallTracePane(&pane);

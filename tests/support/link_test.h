@@ -120,6 +120,9 @@ class LinkWorld {
     /// The Cancel button of the progress window.
     static void Cancel();
 
+    /// Spoils the micro's first answer to one message.
+    void Spoil(const std::string& message, const std::function<void(CompanionDouble::Reply&)>& how);
+
     /// Starts the trace.
     void Trace();
 
