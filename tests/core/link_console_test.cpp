@@ -6,6 +6,8 @@
 #include "link/transfer.h"
 #include "support/link_test.h"
 
+#include <tuple>
+
 namespace quoravel {
 
 namespace {
@@ -174,34 +176,17 @@ TEST_F(StarCommandTest, OutputComesInPieces) {
 }
 
 TEST_F(StarCommandTest, AFailureIsToldAndKeepsTheText) {
-    struct Row {
-        const char* what;
-        std::function<void(CompanionDouble::Reply&)> spoil;
-        std::string box;
-    };
-
-    const std::string nothing = "Problem sending * Command";
+    using Row = std::tuple<const char*, const char*, const char*>;
     micro.errors["*X"] = "Bad \xE9 command\n";
-    for (const Row& row : {
-             Row{"an error", [](auto&) {}, "Bad \xC3\xA9 command"},
-             Row{"a lost first dash",
-                 [](auto& reply) {
-                     if (reply.to == "*X")
-                         reply.bytes.erase(0, 1);
-                 },
-                 "Bad \xC3\xA9 command"},
-             Row{"no text",
-                 [](auto& reply) {
-                     if (reply.to == "error?")
-                         reply.bytes = "x\r";
-                 },
-                 nothing},
-             Row{"no answer", [](auto& reply) { reply.bytes.clear(); }, nothing},
-         }) {
-        SCOPED_TRACE(row.what);
-        micro.spoil = row.spoil;
+    for (const auto& [to, answer, box] :
+         {Row{"", "", "Bad \xC3\xA9 command"},
+          Row{"*X", "----BBCerror1-----PC-----\r", "Bad \xC3\xA9 command"},
+          Row{"error?", "x\r", "Problem sending * Command"},
+          Row{"*X", "", "Problem sending * Command"}}) {
+        SCOPED_TRACE(testing::Message() << to << ": " << answer);
+        Spoil(to, [bytes = answer](auto& reply) { reply.bytes = bytes; });
         EXPECT_FALSE(Command("X"));
-        EXPECT_EQ(desktop.boxes, (Boxes{{row.box, "* Command Error"}}));
+        EXPECT_EQ(desktop.boxes, (Boxes{{box, "* Command Error"}}));
         EXPECT_EQ(shown, "");
         desktop.boxes.clear();
     }
