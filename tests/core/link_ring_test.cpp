@@ -4,6 +4,7 @@
 #include "support/link_test.h"
 
 #include <climits>
+#include <tuple>
 
 namespace quoravel {
 
@@ -69,10 +70,7 @@ TEST_F(LinkRingTest, AnOverrunOverwritesTheOldestBytesAndGoesOnCounting) {
 }
 
 TEST_F(LinkRingTest, AReplyEndsWithAPauseOrAtItsMaximum) {
-    struct Piece {
-        int milliseconds;
-        std::string bytes;
-    };
+    using Piece = std::tuple<int, std::string>;
 
     struct Row {
         const char* what;
@@ -98,8 +96,8 @@ TEST_F(LinkRingTest, AReplyEndsWithAPauseOrAtItsMaximum) {
         SCOPED_TRACE(row.what);
         static_cast<void>(Drained());
         desktop.now = {};
-        for (const Piece& piece : row.pieces)
-            Arrive(piece.milliseconds, piece.bytes);
+        for (const auto& [milliseconds, bytes] : row.pieces)
+            Arrive(milliseconds, bytes);
         std::string reply = "old";
         EXPECT_EQ(Get_Response(reply, row.maximum), row.accepted);
         EXPECT_EQ(reply, row.reply);
