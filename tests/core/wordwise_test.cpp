@@ -169,8 +169,8 @@ TEST_F(WordWiseTest, ADocumentFormattedWithinAnotherLeavesItAlone) {
         inner = Format();
         inside = false;
     };
-    desktop.on_pump();
     Put("one {DS}bold\n{CE2}two\nthree\n");
+    desktop.now += std::chrono::hours(1);
     EXPECT_EQ(Format(), alone);
     EXPECT_EQ(inner, "i\ri");
     EXPECT_TRUE(WordWise::DoubleStrike);
