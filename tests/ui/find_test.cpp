@@ -2,7 +2,6 @@
 
 #include <QLabel>
 #include <QPushButton>
-#include <QScrollBar>
 
 namespace quoravel {
 namespace {
@@ -148,14 +147,6 @@ TEST_F(FindTest, AMatchThatCannotBeSeenComesToTheMiddle) {
     Next(view);
     EXPECT_EQ(SelectedLine(view), 100);
     EXPECT_EQ(Text(view).ScrollPosition(), static_cast<int>(100 - VisibleRows(view) / 2.0));
-}
-
-TEST_F(FindTest, AMatchFarToTheRightIsBroughtIntoView) {
-    const View view = ShowText(std::string(5000, '.') + "here" + std::string(5000, '.'));
-    Find(view, QStringLiteral("here"));
-    EXPECT_EQ(Selection(view), "5000:here");
-    EXPECT_TRUE(Text(view).viewport()->rect().contains(Text(view).cursorRect()));
-    EXPECT_GT(Text(view).horizontalScrollBar()->value(), 0);
 }
 
 } // namespace

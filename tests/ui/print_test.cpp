@@ -213,15 +213,6 @@ TEST_F(PrintTest, ClosingTheWindowLeavesThePrintingAlone) {
     EXPECT_EQ(PrintedLines().join(QString()).size(), 200 * 180);
 }
 
-TEST_F(PrintTest, QuittingEndsThePrinting) {
-    const View view = ShowWideLines();
-    desktop.on_pump = [&] { window->close(); };
-    Choose(view, "FilePrint");
-    desktop.on_pump = nullptr;
-    EXPECT_EQ(desktop.quits, 1);
-    EXPECT_TRUE(view->IsClosed());
-}
-
 TEST_F(PrintTest, TheDesktopsOwnDialogsWork) {
     print_dialogs() = real_;
     const View view = ShowText("really printed");

@@ -111,16 +111,6 @@ TEST_F(EndlessDocumentTest, ClosingTheWindowEndsIt) {
     EXPECT_EQ(Text(Show("FileViewAsWordwise")).Text(), "next");
 }
 
-TEST_F(EndlessDocumentTest, QuittingTheProgramEndsIt) {
-    QPointer<frmView> watched;
-    ShowEndless([&](const View& view) {
-        watched = view.get();
-        window->close();
-    });
-    EXPECT_EQ(desktop.quits, 1);
-    EXPECT_TRUE(watched.isNull());
-}
-
 TEST_F(EndlessDocumentTest, AnotherDocumentCanBeReadMeanwhile) {
     ShowEndless([&](const View& endless) {
         PutDocument("{US}short");
