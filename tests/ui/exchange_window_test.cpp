@@ -119,15 +119,6 @@ TEST_F(ExchangeTest, NamesThatAreNotUtf8ArriveByteByByte) {
         << "the stored byte keeps all its bits, the list shows seven of them";
 }
 
-TEST_F(ExchangeTest, FilesThatVanishAfterTheDropAreToldAndChangeNothing) {
-    const fs::path file = folder.File("GONE", "x");
-    Drop(0, {file});
-    fs::remove(file);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !desktop.boxes.empty(); }));
-    EXPECT_EQ(desktop.TakeBoxTexts(), Texts{"Cannot read GONE: No such file or directory"});
-    EXPECT_FALSE(Module1::gDirty);
-}
-
 TEST_F(ExchangeTest, TextAndLinksOfTheWebAreNoFiles) {
     QMimeData text;
     text.setText(QStringLiteral("hello"));

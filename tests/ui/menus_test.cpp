@@ -56,12 +56,5 @@ TEST_F(MenuTest, OptionMarksOutliveTheProgram) {
     EXPECT_FALSE(Item("OptionsAutoLoad").isChecked());
 }
 
-TEST_F(MenuTest, CommandsOnAnEmptyDiscStayEnabledAndDoNothingBad) {
-    Choose("DiscCompactDisc");
-    Choose("FileSelectAll");
-    EXPECT_EQ(Title(), "Quoravel - NewDisc.dsd*");
-    EXPECT_EQ(Module1::mSelectedItem, -1);
-}
-
 } // namespace
 } // namespace quoravel
