@@ -222,7 +222,7 @@ void Listbox::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint) {
 }
 
 /// The files of the chosen rows for another program; nothing if there are none.
-std::unique_ptr<QMimeData> Listbox::ChosenFiles() {
+std::unique_ptr<QMimeData> Listbox::ChosenFiles() const {
     std::vector<std::filesystem::path> chosen;
     Guarded([&] { chosen = DragRow(); });
     QList<QUrl> urls;

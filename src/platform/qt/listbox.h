@@ -94,7 +94,7 @@ class Listbox : public QTreeWidget {
     void PlaceColumns();
     void ShowWhetherCurrent();
     bool TakeKey(const QKeyEvent& key);
-    [[nodiscard]] std::unique_ptr<QMimeData> ChosenFiles();
+    [[nodiscard]] std::unique_ptr<QMimeData> ChosenFiles() const;
     void TakeFiles(const QMimeData& offer);
 
     std::vector<int> percentages_;
