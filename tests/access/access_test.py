@@ -170,6 +170,19 @@ def menus(program):
     program.gone("dialog", "About Quoravel")
 
 
+def trace(program):
+    program.window("frame", "Quoravel - demo-dual.dsd")
+    press("Alt", "t")
+    press("Up")
+    press("Right")
+    program.find("menu item", "Window", "FOCUSED")
+    press("Return")
+    window = program.window("frame", "Trace")
+    program.check_names(window)
+    press("Ctrl", "w")
+    program.gone("frame", "Trace")
+
+
 def views(program):
     program.window("frame", "Quoravel - demo-dual.dsd")
     press("Home")
@@ -225,7 +238,7 @@ def main():
     path, folder = sys.argv[1:]
     program = Program(path, os.path.join(folder, "demo-dual.dsd"))
     try:
-        for part in (lists, dialogs, menus, views):
+        for part in (lists, dialogs, menus, trace, views):
             part(program)
         progress(program, folder)
     except AssertionError as wrong:
