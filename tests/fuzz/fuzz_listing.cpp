@@ -1,5 +1,7 @@
+#include "disc/listing.h"
 #include "disc/module1.h"
 #include "fuzz/fuzz.h"
+#include "platform/files.h"
 #include "platform/text.h"
 #include "support/scripted_host.h"
 #include "support/temp_folder.h"
@@ -34,11 +36,23 @@ std::string HostName(std::string_view bytes) {
     return name;
 }
 
-void CheckLog(const std::string& text) {
+/// The line of a file on a page of *EX, with a directory that is a CR or not.
+std::string LineOf(const ListRow& row) {
+    std::string line = row.FileName;
+    line.resize(9, ' ');
+    for (const std::string* cell : {&row.Attr, &row.Load, &row.Exec, &row.Size, &row.Sector})
+        line.append("  ").append(*cell);
+    return Latin1ToUtf8(AddLineFeeds(line + '\r'));
+}
+
+/// The image is still on the drives.
+void CheckLog(const std::string& text, const fs::path& image, int drives) {
     Require(IsUtf8(text), "a listing is UTF-8");
+    Require(text.starts_with("\r\n" + Utf8Of(image) + "\r\n\r\n"), "the image is named");
     Require(text.ends_with("\r\n"), "a listing ends with a line");
-    for (std::size_t at = text.find('\n'); at != std::string::npos; at = text.find('\n', at + 1))
-        Require(at > 0, "no line end stands alone at the start");
+    for (int drive = 0; drive < drives; ++drive)
+        for (const ListRow& row : ListFiles(drive))
+            Require(text.find(LineOf(row)) != std::string::npos, "every file is listed");
 }
 
 } // namespace
@@ -59,7 +73,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Unwatched progress;
     ListImagesBelow(images.path(), log, progress);
     Require(desktop.boxes.empty(), "a listing can always be written");
-    CheckLog(TextOf(log));
+    CheckLog(TextOf(log), image, interleaved ? kDrives : 1);
     Require(logs.Names().size() == 1, "nothing half-written stays");
     std::filesystem::remove(image);
     return 0;
