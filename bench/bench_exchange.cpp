@@ -89,11 +89,9 @@ int main(int argc, char** argv) {
     const auto files = FilesToImport(source);
     benchmark::RegisterBenchmark(kCopy, BareCopy, source.path())->Unit(benchmark::kMicrosecond);
     benchmark::RegisterBenchmark(kExchange, ImportAndExport, files)->Unit(benchmark::kMicrosecond);
-    benchmark::Initialize(&argc, argv);
-    Medians medians;
-    benchmark::RunSpecifiedBenchmarks(&medians);
+    auto median = RunAll(argc, argv);
     std::printf("\nImporting %d files of 3 KB and exporting them again: %.2f times their bare "
                 "copying (at most 2)\n",
-                kFiles, medians.nanoseconds[kExchange] / medians.nanoseconds[kCopy]);
+                kFiles, median[kExchange] / median[kCopy]);
     return 0;
 }

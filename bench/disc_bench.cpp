@@ -79,11 +79,7 @@ int main(int argc, char** argv) {
     benchmark::RegisterBenchmark(kPlainRead, PlainRead, image.path);
     benchmark::RegisterBenchmark(kLoad, Load, image.path);
     benchmark::RegisterBenchmark(kList, List);
-    benchmark::Initialize(&argc, argv);
-    Medians medians;
-    benchmark::RunSpecifiedBenchmarks(&medians);
-
-    auto& median = medians.nanoseconds;
+    auto median = RunAll(argc, argv);
     std::printf(
         "\nLoading a .dsd with both free space tables: %.2f times a plain read (at most 2)\n"
         "Listing a full catalogue of 62 files: %.1f us (under 50)\n",

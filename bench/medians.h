@@ -23,4 +23,12 @@ class Medians : public benchmark::ConsoleReporter {
     std::map<std::string, double> nanoseconds;
 };
 
+/// Runs everything that is registered and gives the medians by name.
+inline std::map<std::string, double> RunAll(int argc, char** argv) {
+    benchmark::Initialize(&argc, argv);
+    Medians medians;
+    benchmark::RunSpecifiedBenchmarks(&medians);
+    return medians.nanoseconds;
+}
+
 } // namespace quoravel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "medians.h"
 #include "platform/qt/edit_field.h"
 #include "view/frmView.h"
 
@@ -8,16 +9,27 @@
 
 #include <benchmark/benchmark.h>
 #include <chrono>
+#include <cstdio>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
+#include <vector>
 
-// What measures of view windows share. The windows are open and painted before a clock starts.
+// A view that fills its window, against one insertion of the same text into the same control. The
+// windows are open and painted before a clock starts.
 
 namespace quoravel {
 
 using View = std::shared_ptr<frmView>;
 using Opener = std::function<View()>; ///< makes the view with its Tag
+
+/// Text of one style, with the line ends of the control.
+struct Piece {
+    std::string text;
+    bool underline = false;
+    bool bold = false;
+};
 
 inline View OpenWindow(const Opener& make) {
     constexpr QSize kSize(611, 380);
@@ -32,15 +44,17 @@ inline EditField& TextOf(const View& view) {
     return *view->findChild<EditField*>();
 }
 
-/// Fills views that are to have `size` bytes in the end.
-inline void FillViews(benchmark::State& state, const Opener& make, std::size_t size) {
+/// Measures `act` on a window that is open.
+inline void InWindow(benchmark::State& state, const Opener& make,
+                     const std::function<void(frmView&, EditField&)>& act, std::size_t size) {
     for ([[maybe_unused]] auto _ : state) {
         state.PauseTiming();
         const View view = OpenWindow(make);
+        EditField& text = TextOf(view);
         state.ResumeTiming();
-        view->Show_File();
+        act(*view, text);
         state.PauseTiming();
-        if (TextOf(view).Text().size() != size)
+        if (text.Text().size() != size)
             state.SkipWithError("the view is not complete");
         state.ResumeTiming();
     }
@@ -75,6 +89,30 @@ inline double MillisecondsToFirstPage(const Opener& make) {
     view->Show_File();
     return std::chrono::duration<double, std::milli>(first.painted.value_or(Clock::now()) - start)
         .count();
+}
+
+/// The benchmark of one kind of view, all of whose text is `pieces`.
+inline void MeasureView(int argc, char** argv, const char* what, const Opener& make,
+                        const std::vector<Piece>& pieces) {
+    std::size_t size = 0;
+    for (const Piece& piece : pieces)
+        size += piece.text.size();
+    const auto insert = [&](frmView&, EditField& text) {
+        for (const Piece& piece : pieces) {
+            text.SetSelUnderline(piece.underline);
+            text.SetSelBold(piece.bold);
+            text.SetSelText(piece.text);
+        }
+        text.Refresh();
+    };
+    const auto fill = [](frmView& view, EditField&) { view.Show_File(); };
+    benchmark::RegisterBenchmark("OneInsertion", InWindow, make, insert, size)
+        ->Unit(benchmark::kMillisecond);
+    benchmark::RegisterBenchmark("View", InWindow, make, fill, size)->Unit(benchmark::kMillisecond);
+    auto median = RunAll(argc, argv);
+    std::printf("%s: %.2f times one insertion (at most 3)\n"
+                "First page: %.1f ms from the command (at most 100)\n",
+                what, median["View"] / median["OneInsertion"], MillisecondsToFirstPage(make));
 }
 
 } // namespace quoravel
