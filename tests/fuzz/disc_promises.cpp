@@ -80,6 +80,19 @@ bool IsListedWhereverItGoes(int drive) {
            (!watford || (in_first > 0 && in_second % 8 == 0 && in_second < kFullCount));
 }
 
+/// File numbers from the lowest file on.
+std::vector<int> InOrderOfCompaction(int drive) {
+    const int start = GetStartSectorOfDrive(drive);
+    const int in_first = FilesInCatalogue(start);
+    const int in_second = IsWatfordDFS(drive) ? FilesInCatalogue(start + kSecondCatalogue) : 0;
+    std::vector<int> files;
+    for (int i = in_first - 1; i >= 0; --i)
+        files.push_back(i);
+    for (int i = in_second - 1; i >= 0; --i)
+        files.push_back(in_first + i);
+    return files;
+}
+
 } // namespace
 
 Range CatalogueOf(int drive) {
@@ -89,23 +102,37 @@ Range CatalogueOf(int drive) {
 }
 
 Range WhereCompactWrites(int drive) {
-    std::int64_t end = GetStartSectorOfDrive(drive) + std::int64_t{kDriveBytes};
+    const std::int64_t start = GetStartSectorOfDrive(drive);
+    std::int64_t end = start + kDriveBytes;
     std::int64_t next = GetRootSector(drive);
-    const int in_first = FilesInCatalogue(GetStartSectorOfDrive(drive));
-    const auto slide = [&](int file) {
+    for (const int file : InOrderOfCompaction(drive)) {
         const int info = GetDirOffset(drive, file) + kInfoDistance;
         if (StartSector(info) != next)
-            end = std::max(end, GetStartSectorOfDrive(drive) + next * kSectorBytes +
-                                    std::int64_t{FileLength(info)});
+            end = std::max(end, start + next * kSectorBytes + std::int64_t{FileLength(info)});
         next += SectorsOf(FileLength(info));
-    };
-    for (int i = in_first - 1; i >= 0; --i)
-        slide(i);
-    if (IsWatfordDFS(drive))
-        for (int i = FilesInCatalogue(GetStartSectorOfDrive(drive) + kSecondCatalogue) - 1; i >= 0;
-             --i)
-            slide(in_first + i);
-    return {GetStartSectorOfDrive(drive), std::min<std::int64_t>(end, kDiscBytes)};
+    }
+    return {start, std::min<std::int64_t>(end, kDiscBytes)};
+}
+
+std::optional<DriveContents> ContentsOfSoundDrive(int drive) {
+    const auto rows = ListFiles(drive);
+    const auto files = InOrderOfCompaction(drive);
+    if (rows.size() != files.size() || std::ssize(rows) != GetNumberOfDirEntries(drive))
+        return {};
+    DriveContents contents;
+    int next = GetRootSector(drive);
+    for (const int file : files) {
+        const ListRow& row = rows[static_cast<std::size_t>(file)];
+        const int sector = static_cast<int>(HexValue(row.Sector));
+        const std::uint32_t bytes = HexValue(row.Size);
+        if (sector < next || sector + SectorsOf(bytes) > kDriveSectors)
+            return {};
+        const auto data = Module1::DiscImg.Part(
+            GetStartSectorOfDrive(drive) + std::int64_t{sector} * kSectorBytes, bytes);
+        contents.emplace(row.FileName + row.Attr + row.Load + row.Exec + row.Size, AsText(data));
+        next = sector + SectorsOf(bytes);
+    }
+    return contents;
 }
 
 void CheckCatalogue(int drive) {

@@ -4,6 +4,9 @@
 #include "disc/listing.h"
 
 #include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
 #include <vector>
 
 // What holds of DiscImg whatever catalogue its bytes are taken for.
@@ -22,6 +25,12 @@ struct Range {
 
 /// Where compacting `drive` writes. Files that take more than the drive has run on past its end.
 [[nodiscard]] Range WhereCompactWrites(int drive);
+
+/// All files of a drive: what their rows show but for the sector, and their bytes.
+using DriveContents = std::multimap<std::string, std::string>;
+
+/// Nothing for a drive whose catalogue is damaged, or not in the order that compaction relies on.
+[[nodiscard]] std::optional<DriveContents> ContentsOfSoundDrive(int drive);
 
 /// Reads all of a catalogue as lists, views and commands do, and every file that it lists.
 void CheckCatalogue(int drive);

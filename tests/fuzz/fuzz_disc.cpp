@@ -238,7 +238,13 @@ Session::Changes Session::Delete() {
 Session::Changes Session::CompactDrive() {
     const int drive = Module1::cur_drive;
     const Range written = WhereCompactWrites(drive);
+    const auto contents = ContentsOfSoundDrive(drive);
     Compact(drive);
+    if (contents) {
+        Require(ContentsOfSoundDrive(drive) == contents,
+                "compacting keeps every file of a sound disc");
+        Require(Module1::FreeSpaceNum[static_cast<std::size_t>(drive)] <= 1, "and leaves no gap");
+    }
     Require(Module1::gDirty, "compacting is a change");
     if (drive == 0 && written.end > kDriveBytes)
         GetFreeSpaceMap(1);
