@@ -70,7 +70,10 @@ frmMain::~frmMain() {
 
 void frmMain::AddMenuHandlers() {
     const auto handle = [this](std::string_view name, void (frmMain::*action)()) {
-        menu_.Handle(name, [this, action] { (this->*action)(); });
+        menu_.Handle(name, [this, action] {
+            if (DiscIsFree())
+                (this->*action)();
+        });
     };
     handle("DiscOpenDiscImage", &frmMain::DiscOpenDiscImage_Action);
     handle("NewDiscImageTrackDSD400Kdsd", &frmMain::DiscNew80DSD);
@@ -93,17 +96,26 @@ void frmMain::AddMenuHandlers() {
     handle("FileDisassembleFile", &frmMain::FileDisassembleFile_Action);
     handle("FileViewAsHex", &frmMain::FileViewAsHex_Action);
     handle("FileViewAsWordwise", &frmMain::FileViewAsWordwise_Action);
-    handle("FileSelectAll", &frmMain::FileSelectAll_Action);
     handle("FileLockFile", &frmMain::FileLockFile_Action);
     handle("FileUnlockFile", &frmMain::FileUnlockFile_Action);
     handle("FileDeleteFile", &frmMain::FileDeleteFile_Action);
     handle("FileRenameFile", &frmMain::FileRenameFile_Action);
     handle("FileExportFile", &frmMain::FileExportFile_Action);
-    menu_.Handle("FileSetFileAddresses", [this] { FileSetFileAddresses_Action(); });
-    handle("HelpAboutQuoravel", &frmMain::HelpAboutQuoravel_Action);
+    menu_.Handle("FileSetFileAddresses", [this] {
+        if (DiscIsFree())
+            FileSetFileAddresses_Action();
+    });
+    menu_.Handle("FileSelectAll", [this] { FileSelectAll_Action(); });
+    menu_.Handle("HelpAboutQuoravel", [this] { HelpAboutQuoravel_Action(); });
     menu_.Handle("FileQuit", [this] { close(); });
     for (const auto& [item, key] : kOptions)
         menu_.Handle(item, [] {}); // the item flips its own mark; others read it
+}
+
+bool frmMain::DiscIsFree() const {
+    if (job_ != nullptr)
+        host().MsgBox(job_);
+    return job_ == nullptr;
 }
 
 void frmMain::Event_Open() {
@@ -137,6 +149,7 @@ bool frmMain::Event_CancelClose() {
 void frmMain::Event_Close() {
     if (Module1::gDirty)
         QuerySaveChanges();
+    setEnabled(false); // nothing may begin, or change the disc, in the last events that run here
     CloseLink();
     StorePlace("Main", *this, content_->size());
     for (const auto& [item, key] : kOptions)

@@ -53,8 +53,8 @@ class frmMain : public QMainWindow, private StatusLine, private TransferDesk {
     void QuerySaveChanges();
 
     /// Loads an image file in the form that its name asks for and sets up the lists. Asks nothing
-    /// about unsaved changes. A file that cannot be read is told in a box, changes nothing and
-    /// gives false.
+    /// about unsaved changes. A file that cannot be read, or a job that holds the disc, is told in
+    /// a box, changes nothing and gives false.
     bool OpenDisc(const std::filesystem::path& file);
 
     enum class SaveResult { Saved, Cancelled, Failed };
@@ -83,6 +83,10 @@ class frmMain : public QMainWindow, private StatusLine, private TransferDesk {
     void AddMenuHandlers();
     void RestorePlace();
 
+    /// Tells if a job of several steps, such as a listing, holds the disc in memory. Every command
+    /// on the disc asks this first.
+    [[nodiscard]] bool DiscIsFree() const;
+
     bool Event_CancelClose();
     void Event_Close();
     void Event_Resized();
@@ -110,7 +114,7 @@ class frmMain : public QMainWindow, private StatusLine, private TransferDesk {
     bool FileSetFileAddresses_Action();
     void FileExportFile_Action();
     void DiscEXDrive_Action();
-    void ListFolder(const std::filesystem::path& folder, const std::filesystem::path& log);
+    bool ListFolder();
     void HelpAboutQuoravel_Action();
 
     void AddLinkHandlers();
@@ -162,7 +166,8 @@ class frmMain : public QMainWindow, private StatusLine, private TransferDesk {
     QtTimer Timer4_;
     QPointer<frmTrace> frmTr_; ///< the trace window while it is open
     std::weak_ptr<TransferWindow> transfer_;
-    bool listing_ = false; ///< a folder is being listed
+    const char* job_ =
+        nullptr; ///< what holds the disc while events run: "A listing is in progress"
     DragFolder dragged_;
     OpenedFiles opened_;
     Views views_;

@@ -29,6 +29,8 @@ std::optional<FileError> LoadDisc(const fs::path& file, std::optional<ImageForm>
 } // namespace
 
 bool frmMain::OpenDisc(const fs::path& file) {
+    if (!DiscIsFree())
+        return false;
     const std::string name = FileName(file);
     const auto form = FormOfName(name);
     if (const auto error = LoadDisc(file, form)) {

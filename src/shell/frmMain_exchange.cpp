@@ -7,6 +7,7 @@
 #include "platform/qt/listbox.h"
 #include "shell/frmMain.h"
 
+#include <QScopedValueRollback>
 #include <QTimer>
 
 namespace quoravel {
@@ -34,6 +35,7 @@ void frmMain::FileExportFile_Action() {
     if (!folder)
         return;
     const BusyCursor busy;
+    const QScopedValueRollback job(job_, "An export is in progress");
     const int drive = Module1::cur_drive; // a click during the export does not change what goes out
     for (const ListRow& row : SelectedRows(drive)) {
         if (!ExportRow(row, drive, *folder))
@@ -43,12 +45,17 @@ void frmMain::FileExportFile_Action() {
 }
 
 std::vector<fs::path> frmMain::lvwDB_DragRow() {
+    if (!DiscIsFree())
+        return {};
     const BusyCursor busy;
     return dragged_.Export(SelectedRows(Module1::cur_drive), Module1::cur_drive);
 }
 
 void frmMain::lvwDB_DropObject(int drive, const std::vector<fs::path>& files) {
+    if (!DiscIsFree())
+        return;
     const BusyCursor busy;
+    const QScopedValueRollback job(job_, "An import is in progress");
     for (const fs::path& file : files) {
         if (ImportFile(drive, file))
             break;

@@ -3,6 +3,7 @@
 #include "disc/image_files.h"
 #include "platform/host.h"
 #include "platform/qt/busy_cursor.h"
+#include "platform/qt/listbox.h"
 #include "shell/frmMain.h"
 #include "shell/frmProgress.h"
 
@@ -18,20 +19,10 @@ constexpr const char* kProposal = "exall.txt";
 } // namespace
 
 void frmMain::DiscEXDrive_Action() {
-    if (listing_) { // both would load their images into the one block
-        host().MsgBox("A listing is in progress");
+    for (int drive = 0; drive < kDrives; ++drive)
+        lvwDB(drive).CommitEdit(); // a name that was typed belongs to this disc
+    if (!ListFolder())
         return;
-    }
-    const QScopedValueRollback listing(listing_, true);
-    if (Module1::gDirty)
-        QuerySaveChanges();
-    const auto folder = host().AskFolder();
-    if (!folder)
-        return;
-    const auto log = host().AskSaveFile(FileTypes1::pAny, kProposal);
-    if (!log)
-        return;
-    ListFolder(*folder, *log);
     SetCurrentDrive(Module1::cur_drive); // which the listing has moved
     // Meant: the disc comes back from its file; changes that nobody wanted to save are gone. A file
     // with no known ending is a current file that loads nothing.
@@ -44,12 +35,24 @@ void frmMain::DiscEXDrive_Action() {
     SetCurrentDrive(0);
 }
 
-void frmMain::ListFolder(const std::filesystem::path& folder, const std::filesystem::path& log) {
+/// False if it was given up before it began. The images go through the one block, so until the end
+/// no command may take what is in there for the user's disc.
+bool frmMain::ListFolder() {
+    const QScopedValueRollback job(job_, "A listing is in progress");
+    if (Module1::gDirty)
+        QuerySaveChanges();
+    const auto folder = host().AskFolder();
+    if (!folder)
+        return false;
+    const auto log = host().AskSaveFile(FileTypes1::pAny, kProposal);
+    if (!log)
+        return false;
     const BusyCursor busy;
     frmProgress progress(this);
     progress.show();
     Module1::gCancel = false;
-    ListImagesBelow(folder, log, progress);
+    ListImagesBelow(*folder, *log, progress);
+    return true;
 }
 
 } // namespace quoravel

@@ -48,7 +48,8 @@ void frmMain::ConnectList(Listbox& list, int drive) {
     });
     Connect(&list, &Listbox::RenameRequested, this, [this, drive](int row) {
         lvwDB_CellClick(drive, row);
-        FileRenameFile_Action();
+        if (DiscIsFree())
+            FileRenameFile_Action();
     });
     Connect(&list, &Listbox::CellAction, this,
             [this, drive](int row, int column) { lvwDB_CellAction(drive, row, column); });
