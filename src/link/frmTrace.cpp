@@ -103,9 +103,9 @@ void frmTrace::Event_Close() {
     Module1::gTraceWindow = false;
     CloseTraceFile();
     StorePlace("Trace", *this, size());
-    XMLPreferences::WritePrefFile();
     InstallTracePane(nullptr);
     deleteLater();
+    XMLPreferences::WritePrefFile(); // events run, and another trace may be opened
 }
 
 } // namespace quoravel

@@ -40,9 +40,8 @@ void frmProgress::Cancel_Action() {
     Module1::gCancel = true;
 }
 
-void frmProgress::closeEvent(QCloseEvent* event) {
-    Cancel_Action();
-    event->ignore(); // it goes when the listing has ended
+void frmProgress::closeEvent(QCloseEvent* /*event*/) {
+    Cancel_Action(); // not refused, or it would keep all windows from being closed at the end
 }
 
 void frmProgress::keyPressEvent(QKeyEvent* event) {

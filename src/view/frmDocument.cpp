@@ -91,9 +91,9 @@ void frmDocument::closeEvent(QCloseEvent* /*event*/) {
 void frmDocument::Event_Close() {
     closed_ = true;
     StorePlace(place_, *this, content_->size());
-    XMLPreferences::WritePrefFile();
     if (Closed)
         Closed();
+    XMLPreferences::WritePrefFile(); // events run, and the program may end in them
 }
 
 void frmDocument::FileClose_Action() {
