@@ -206,11 +206,10 @@ void EditField::Refresh() {
     viewport()->repaint();
 }
 
-std::string_view EditField::LineText(const QTextBlock& line) const {
+std::string_view EditField::LineText(std::string_view text, const QTextBlock& line) {
     const int start = line.position() + line.blockNumber();
     const int length = line.length() - 1; // without the block's end
-    return std::string_view(text_).substr(static_cast<std::size_t>(start),
-                                          static_cast<std::size_t>(length));
+    return text.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(length));
 }
 
 void EditField::paintEvent(QPaintEvent* event) {
@@ -236,7 +235,8 @@ void EditField::PaintMarks(const QTextBlock& line, const QRectF& place) {
     const int to = std::clamp(textCursor().selectionEnd() - line.position(), first, end);
     QPainter painter(viewport());
     const auto draw = [&](Columns columns, const QBrush& color) {
-        DrawMarks(painter, row, place.topLeft(), LineText(line), columns, font(), color.color());
+        DrawMarks(painter, row, place.topLeft(), LineText(text_, line), columns, font(),
+                  color.color());
     };
     draw({first, from - 1}, palette().text());
     draw({from, to - 1}, palette().highlightedText());

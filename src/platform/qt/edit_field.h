@@ -52,8 +52,8 @@ class EditField : public QPlainTextEdit {
     /// Shows at once what has changed.
     void Refresh();
 
-    /// The bytes of a line without its end.
-    [[nodiscard]] std::string_view LineText(const QTextBlock& line) const;
+    /// The bytes of a line without its end, out of those of the whole document.
+    [[nodiscard]] static std::string_view LineText(std::string_view text, const QTextBlock& line);
 
   protected:
     bool event(QEvent* event) override;

@@ -140,8 +140,12 @@ std::unique_ptr<Graphics> OpenPrinterDialog(const PrinterSetup* setup, std::stri
 }
 
 StyledTextPrinter::StyledTextPrinter(const EditField& field, Graphics& graphics, double width)
-    : field_(field), graphics_(graphics), width_(width * graphics.DotsPerPoint()) {
-    BeginLine(field.document()->firstBlock());
+    : document_(field.document()->clone()),
+      text_(field.Text()),
+      font_(field.font(), &graphics.printer()),
+      graphics_(graphics),
+      width_(width * graphics.DotsPerPoint()) {
+    BeginLine(document_->firstBlock());
 }
 
 /// Breaks the next line of the text into rows.
@@ -151,7 +155,7 @@ void StyledTextPrinter::BeginLine(const QTextBlock& line) {
     layout_.clearLayout();
     if (!line.isValid())
         return;
-    layout_.setFont(QFont(field_.font(), &graphics_.printer()));
+    layout_.setFont(font_);
     layout_.setText(line.text());
     layout_.setFormats(FormatsOf(line));
     QTextOption option;
@@ -176,7 +180,7 @@ void StyledTextPrinter::DrawRow(const QPointF& where) {
     QPainter& painter = graphics_.painter();
     painter.setPen(Qt::black);
     row.draw(&painter, origin);
-    DrawMarks(painter, row, origin, field_.LineText(line_),
+    DrawMarks(painter, row, origin, EditField::LineText(text_, line_),
               {row.textStart(), row.textStart() + row.textLength()}, layout_.font(), Qt::black);
 }
 

@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <QPrinter>
 #include <QTextBlock>
+#include <QTextDocument>
 #include <QTextLayout>
 
 #include <functional>
@@ -70,9 +71,10 @@ class Graphics {
                                                           std::string_view document);
 
 /// Puts the text of a control on pages, in its font and style, lines broken where `width` ends.
+/// What happens to the control after this has been made does not show.
 class StyledTextPrinter {
   public:
-    /// `field` and `graphics` must outlive this object.
+    /// `graphics` must outlive this object.
     StyledTextPrinter(const EditField& field, Graphics& graphics, double width);
 
     /// True when all of the text has been drawn.
@@ -86,7 +88,9 @@ class StyledTextPrinter {
     void NextRow();
     void DrawRow(const QPointF& where);
 
-    const EditField& field_;
+    std::unique_ptr<QTextDocument> document_;
+    std::string text_; ///< the bytes of the document
+    QFont font_;
     Graphics& graphics_;
     double width_; ///< in dots
     QTextBlock line_;
