@@ -4,8 +4,15 @@
 #include "platform/qt/text.h"
 
 #include <QFileOpenEvent>
+#include <QTimer>
 
 namespace quoravel {
+
+namespace {
+
+constexpr int kPatience = 100; // milliseconds between two looks whether a dialog still stands
+
+} // namespace
 
 App::App(int& argc, char** argv) : QApplication(argc, argv) {
     setApplicationName(QStringLiteral("Quoravel"));
@@ -18,9 +25,17 @@ bool App::event(QEvent* event) {
     if (event->type() != QEvent::FileOpen)
         return QApplication::event(event);
     const QString file = static_cast<QFileOpenEvent*>(event)->file();
-    if (!file.isEmpty() && Event_OpenDocument)
-        Guarded([&] { Event_OpenDocument(PathOfText(file)); });
+    if (!file.isEmpty())
+        OpenDocument(PathOfText(file));
     return true;
+}
+
+/// A box or a dialog is answered first: what it asks is about the disc in memory.
+void App::OpenDocument(const std::filesystem::path& file) {
+    if (activeModalWidget() != nullptr)
+        QTimer::singleShot(kPatience, this, [this, file] { OpenDocument(file); });
+    else if (Event_OpenDocument)
+        Guarded([&] { Event_OpenDocument(file); });
 }
 
 } // namespace quoravel

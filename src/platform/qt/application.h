@@ -17,6 +17,9 @@ class App : public QApplication {
 
   protected:
     bool event(QEvent* event) override;
+
+  private:
+    void OpenDocument(const std::filesystem::path& file);
 };
 
 } // namespace quoravel
