@@ -20,6 +20,7 @@ constexpr int kMessagesBeforeTheOffer = 5;
 void TellUnrecognised(std::string_view pair) {
     if (state.silent)
         return;
+    state.view->ShowData({}); // ends here for a window that has been closed: no box for that one
     const std::string text = "Unrecognised Command " + Latin1ToUtf8(pair);
     if (++state.messages <= kMessagesBeforeTheOffer)
         host().MsgBox(text);
