@@ -61,7 +61,7 @@ void frmMain::AddLinkHandlers() {
 }
 
 void frmMain::TavriloSerialPort_Action() {
-    if (HasSerialPort())
+    if (HasSerialPort() && LinkIsFree()) // it would change the speed of what goes out
         ShowModal<frmSerial>(this, Serial1_);
 }
 
