@@ -1,0 +1,589 @@
+// Every wait that runs the event loop, crossed with everything that a person can reach inside it.
+
+#include "disc/image_files.h"
+#include "link/link_use.h"
+#include "platform/qt/application.h"
+#include "platform/qt/printing.h"
+#include "support/disc_builder.h"
+#include "support/main_window_test.h"
+#include "support/quick_link.h"
+#include "view/frmView.h"
+
+#include <QDialog>
+#include <QDropEvent>
+#include <QFileOpenEvent>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QPointer>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTimer>
+#include <QUrl>
+
+#include <chrono>
+#include <gmock/gmock.h>
+#include <map>
+
+namespace quoravel {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+
+constexpr const char* kOfTheDesktop = "ofTheDesktop";
+
+/// The desktop of somebody who does one thing in the middle of a wait, `act`, and from then on
+/// leaves whatever comes up: dialogs are rejected, transfers cancelled, questions answered by No.
+class HastyPerson : public UiHost {
+  public:
+    HastyPerson() {
+        clock_step = 20ms; // each Yield pumps
+        on_pump = [this] { Look(); };
+        glance_.setInterval(1);
+        QObject::connect(&glance_, &QTimer::timeout, &glance_, [this] {
+            QTimer::singleShot(0, &glance_, [this] { Look(); }); // no timer runs inside itself
+        });
+    }
+
+    std::function<bool()> inside; ///< whether the wait stands that is to be disturbed
+    std::function<void()> act;
+    bool acted = false;
+    fs::path to_open, to_save, folder;
+
+    void Await(std::function<bool()> wait, std::function<void()> then) {
+        inside = std::move(wait);
+        act = std::move(then);
+        acted = false;
+        glance_.start();
+        since_ = std::chrono::steady_clock::now();
+    }
+
+    void Rest() { glance_.stop(); }
+
+    using Host::MsgBox;
+
+    void MsgBox(std::string_view text, std::string_view title) override {
+        boxes.push_back({std::string(text), std::string(title)});
+        Stand("box");
+    }
+
+    bool AskYesNo(std::string_view text, std::string_view title) override {
+        questions.push_back({std::string(text), std::string(title)});
+        Stand("question");
+        return false;
+    }
+
+    std::optional<fs::path> AskOpenFile(const FileType& /*filter*/) override {
+        Stand("open dialog");
+        return to_open;
+    }
+
+    std::optional<fs::path> AskSaveFile(const FileType& /*filter*/, std::string_view) override {
+        Stand("save dialog");
+        return to_save;
+    }
+
+    std::optional<fs::path> AskFolder() override {
+        Stand("folder dialog");
+        return folder;
+    }
+
+    /// A dialog of the desktop: it belongs to the window in use, as the real ones do.
+    void Stand(const char* name) {
+        QDialog dialog(QApplication::activeWindow());
+        dialog.setObjectName(QLatin1StringView(name));
+        dialog.setProperty(kOfTheDesktop, true);
+        dialog.setWindowModality(Qt::ApplicationModal);
+        dialog.exec();
+        if (quitting)
+            throw AppQuitting();
+    }
+
+    void Quit() override {
+        UiHost::Quit();
+        QCoreApplication::exit(0); // every loop that runs now, and every one to come
+    }
+
+    /// The next program.
+    void Restart() {
+        quitting = false;
+        QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+        App::exec(); // from here on loops run again
+    }
+
+    /// The program runs at most 12 ms behind the clock, so what is to pass is not waited for.
+    void DoEvents(int /*milliseconds*/) override { UiHost::DoEvents(0); }
+
+  private:
+    void Look() {
+        if (quitting || !glance_.isActive())
+            return;
+        if (!acted && inside()) {
+            acted = true;
+            act();
+        } else if (acted) {
+            Leave();
+        } else if (auto* dialog = QApplication::activeModalWidget();
+                   dialog != nullptr && dialog->property(kOfTheDesktop).toBool()) {
+            dialog->close(); // on the way to the wait
+        }
+        if (std::chrono::steady_clock::now() - since_ > 10s) {
+            ADD_FAILURE() << (acted ? "the wait does not end" : "the wait was not reached");
+            Quit();
+        }
+    }
+
+    static void Leave() {
+        if (auto* dialog = QApplication::activeModalWidget())
+            dialog->close();
+        for (QWidget* top : QApplication::topLevelWidgets()) {
+            if (top->isVisible() && top->objectName() == QStringLiteral("frmRX"))
+                top->close();
+            for (auto* list : top->findChildren<Listbox*>())
+                if (auto* editor = list->findChild<QLineEdit*>())
+                    QTest::keyClick(editor, Qt::Key_Escape);
+        }
+    }
+
+    QTimer glance_;
+    std::chrono::steady_clock::time_point since_;
+};
+
+/// What a person can do, by names such as "frmMain/DiscCompactDisc" or "close frmRX".
+using Deeds = std::map<std::string, std::function<void()>>;
+
+/// The program with a disc of the user's in it, one complete view and one micro at the cable.
+class Reentrancy : public testing::Test {
+  public:
+    HastyPerson person;
+    TempFolder folder;
+    CompanionDouble micro;
+    std::unique_ptr<frmMain> window;
+    bool closed = false;  ///< by CloseOnce
+    bool printed = false; ///< the print dialog was left with OK
+
+    void Choose(const char* name) const {
+        for (QMenu* menu : window->findChildren<QMenu*>())
+            Q_EMIT menu->aboutToShow();
+        auto* item = window->findChild<QAction*>(QLatin1StringView(name));
+        ASSERT_TRUE(item->isEnabled()) << name;
+        item->trigger();
+    }
+
+    /// Chooses a command on a row of drive 0.
+    void Choose(const char* name, int row) const {
+        List(0).SelectOnly(row);
+        Module1::mSelectedItem = row;
+        Choose(name);
+    }
+
+    /// Chooses a command of a new, complete view.
+    void ChooseInView(const char* name) const {
+        Choose("DiscViewAsCAT");
+        const auto view = Module1::gViewForm.lock();
+        QApplication::setActiveWindow(view.get());
+        view->findChild<QAction*>(QLatin1StringView(name))->trigger();
+    }
+
+    [[nodiscard]] Listbox& List(int drive) const {
+        return *window->findChild<Listbox*>(QStringLiteral("lvwDB(%1)").arg(drive));
+    }
+
+    [[nodiscard]] static QWidget* Find(const char* name) {
+        for (QWidget* top : QApplication::topLevelWidgets())
+            if (top->objectName() == QLatin1StringView(name) && top->isVisible())
+                return top;
+        return nullptr;
+    }
+
+    /// Presses a button of a dialog as soon as that stands.
+    void PressLater(const char* dialog, const char* button) const {
+        QTimer::singleShot(0, window.get(), [=] {
+            if (const auto* top = Find(dialog))
+                top->findChild<QPushButton*>(QLatin1StringView(button))->click();
+        });
+    }
+
+    /// Closes a window as soon as it stands; true from then on.
+    [[nodiscard]] bool CloseOnce(const char* name) {
+        if (auto* top = closed ? nullptr : Find(name)) {
+            closed = true;
+            top->close();
+            return false;
+        }
+        return closed;
+    }
+
+    void Drop(int drive) const {
+        QMimeData data;
+        data.setUrls({Url("import1"), Url("import2")});
+        QWidget& target = *List(drive).viewport();
+        QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(&target, &enter);
+        QDropEvent drop({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(&target, &drop);
+        QCoreApplication::processEvents(); // the import follows the drop
+    }
+
+  protected:
+    void SetUp() override;
+    void TearDown() override;
+    void Start();
+    [[nodiscard]] Deeds Reachable() const;
+    void ExpectWhole() const;
+    void QuitByMenu();
+
+    fs::path disc;
+
+  private:
+    [[nodiscard]] QUrl Url(const char* name) const {
+        return QUrl::fromLocalFile(QString::fromStdString((folder.path() / name).string()));
+    }
+
+    void MakeDisc() const;
+    void ConnectNewMicro();
+    void AnswerPrintDialogs();
+
+    std::unique_ptr<QuickLink> link_;
+    const PrintDialogs real_dialogs_ = print_dialogs();
+};
+
+void Reentrancy::SetUp() {
+    for (const char* name : {"config", "out", "images"})
+        fs::create_directory(folder.path() / name);
+    for (const char* name : {"images/a.ssd", "images/b.ssd", "import1", "import2"})
+        static_cast<void>(folder.File(name, "of somebody else"));
+    static_cast<void>(folder.File("tavrilo.bas", "10 REM\r20 REM\r"));
+    disc = folder.path() / "disc.dsd";
+    person.preferences_folder = folder.path() / "config";
+    person.program_folder = folder.path();
+    ListPortsWith([] {
+        return std::vector<PortInfo>{{QStringLiteral("Cable"), QStringLiteral("/nowhere")}};
+    });
+    AnswerPrintDialogs();
+    static_cast<App*>(qApp)->Event_OpenDocument = [this](const auto& f) { window->OpenDisc(f); };
+}
+
+void Reentrancy::AnswerPrintDialogs() {
+    print_dialogs().page_setup = [this](QPrinter&) {
+        person.Stand("page setup");
+        return true;
+    };
+    print_dialogs().print = [this](QPrinter& printer) {
+        person.Stand("print dialog");
+        printer.setOutputFileName(Url("page.pdf").toLocalFile());
+        return printed = true;
+    };
+}
+
+void Reentrancy::TearDown() {
+    person.Rest();
+    link_.reset();
+    window.reset();
+    person.Restart();
+    static_cast<App*>(qApp)->Event_OpenDocument = nullptr;
+    print_dialogs() = real_dialogs_;
+    ListPortsWith({});
+}
+
+/// Four files, so that each renderer has something to do.
+void Reentrancy::MakeDisc() const {
+    std::string basic;
+    for (char line = 1; line < 20; ++line)
+        basic += std::string{'\r', 0, line, 5, '\xF1'};
+    std::string words = "some words\r\x02ZZ\x01";
+    for (int i = 0; i < 20; ++i)
+        words += "a line with \x02US\x01 commands\r";
+    const auto length = [](const std::string& text) { return static_cast<unsigned>(text.size()); };
+    basic += "\r\xFF";
+    DiscBuilder(1);
+    DiscBuilder(0)
+        .Title("THE USERS")
+        .File({.name = "WORDS",
+               .load = 0x3FFFF,
+               .exec = 0x3FFFF,
+               .length = length(words),
+               .sector = 8})
+        .File({.name = "TEXT", .length = 200, .sector = 6})
+        .File({.name = "CODE", .length = 60, .sector = 4})
+        .File({.name = "BASIC", .length = length(basic), .sector = 2})
+        .Data(2, basic)
+        .Data(4, std::string(60, '\xEA'))
+        .Data(6, "some text\rin lines\r")
+        .Data(8, words);
+    ASSERT_FALSE(SaveDisc_DSD(disc));
+}
+
+/// One that is not in the middle of anything, and nothing on the line.
+void Reentrancy::ConnectNewMicro() {
+    micro = CompanionDouble();
+    micro.byte_time = CompanionDouble::Time{0};
+    for (auto& side : micro.discs)
+        side.assign(102400, 0);
+    Module1::RXLen = 0;
+    Module1::RXHead = Module1::RXTail;
+}
+
+void Reentrancy::Start() {
+    person.Rest();
+    if (!window || person.quitting) {
+        link_.reset();
+        window.reset();
+        person.Restart();
+        window = std::make_unique<frmMain>();
+        window->Event_Open();
+        link_ = std::make_unique<QuickLink>(micro);
+    }
+    QApplication::setActiveWindow(window.get());
+    MakeDisc();
+    person.to_open = disc;
+    person.to_save = folder.path() / "saved.ssd";
+    person.folder = folder.path() / "out";
+    person.quits = 0;
+    ConnectNewMicro();
+    for (const auto& exported : fs::directory_iterator(person.folder))
+        fs::remove(exported);
+    closed = printed = false;
+    Module1::gDirty = false;
+    Module1::TXAbort = false;
+    window->OpenDisc(disc);
+    List(0).setFocus();
+    person.TakeBoxTexts();
+    Choose("DiscViewFreeSpaceMap");
+    EXPECT_THAT(person.TakeBoxTexts(), testing::IsEmpty()) << "something still seems to go on";
+}
+
+/// The entries of a menu bar that are enabled once its menus have been opened.
+void AddItems(const QWidget& window, const std::string& name, Deeds& deeds) {
+    for (const QMenu* menu : window.findChildren<QMenu*>())
+        Q_EMIT const_cast<QMenu*>(menu)->aboutToShow();
+    for (QAction* item : window.findChildren<QAction*>())
+        if (item->isEnabled() && !item->isSeparator() && item->menu() == nullptr &&
+            !item->objectName().isEmpty())
+            deeds[name + "/" + item->objectName().toStdString()] = [item] { item->trigger(); };
+}
+
+void AddButtons(const QWidget& window, const std::string& name, Deeds& deeds) {
+    for (auto* button : window.findChildren<QPushButton*>())
+        if (button->isVisible() && button->isEnabled())
+            deeds[name + "/" + button->objectName().toStdString()] = [button] { button->click(); };
+}
+
+/// All that a person, or the desktop, can do now.
+Deeds Reentrancy::Reachable() const {
+    Deeds deeds;
+    const QWidget* modal = QApplication::activeModalWidget();
+    for (QWidget* top : QApplication::topLevelWidgets()) {
+        if (!top->isVisible() || !top->isEnabled() || (modal != nullptr && modal != top))
+            continue;
+        std::string name = top->objectName().toStdString();
+        if (name == "frmView")
+            name += " " + top->windowTitle().toStdString();
+        AddItems(*top, name, deeds);
+        AddButtons(*top, name, deeds);
+        deeds["close " + name] = [top] { top->close(); };
+        if (top == window.get())
+            for (int drive : {0, 1})
+                deeds["drop on " + std::to_string(drive)] = [this, drive] { Drop(drive); };
+    }
+    deeds["the session ends"] = [] { QApplication::closeAllWindows(); };
+    deeds["a document comes"] = [this] {
+        QFileOpenEvent event(QString::fromStdString(disc.string()));
+        QCoreApplication::sendEvent(qApp, &event);
+    };
+    deeds["the lists are refreshed"] = [this] {
+        window->findChild<QTimer*>(QStringLiteral("tmrRefresh"))->start(0);
+    };
+    return deeds;
+}
+
+void Reentrancy::ExpectWhole() const {
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+    EXPECT_EQ(TextOf(disc).substr(0, 8), "THE USER") << "another disc was saved over the user's";
+    if (person.quitting)
+        return;
+    std::vector<QPointer<QWidget>> others;
+    for (QWidget* top : QApplication::topLevelWidgets())
+        if (top != window.get() && top->isVisible())
+            others.emplace_back(top);
+    for (const auto& other : others)
+        EXPECT_TRUE(other.isNull() || other->close()) << "a window stays";
+    EXPECT_TRUE(window->isVisible() && window->isEnabled());
+    const LinkUse use;
+    EXPECT_TRUE(use) << "the cable is still in use";
+}
+
+void Reentrancy::QuitByMenu() {
+    Start();
+    Choose("FileQuit");
+    EXPECT_EQ(person.quits, 1);
+}
+
+/// A wait: how to get into it, and when it stands.
+struct Wait {
+    const char* name;
+    void (*enter)(Reentrancy& t);
+    bool (*inside)(Reentrancy& t);
+};
+
+void PrintTo(const Wait& wait, std::ostream* out) {
+    *out << wait.name;
+}
+
+bool Stands(const char* window) {
+    return Reentrancy::Find(window) != nullptr;
+}
+
+bool ViewFills(Reentrancy& /*t*/) {
+    return Stands("frmView");
+}
+
+void StartBootstrap(Reentrancy& t) {
+    t.PressLater("frmFirst", "cmdOK");
+    t.Choose("TavriloSendBasicProgram");
+}
+
+bool Types() {
+    return Serial1().Profile() == kBootstrapProfile;
+}
+
+bool MayCancelTyping() {
+    const QWidget* first = Reentrancy::Find("frmFirst");
+    return first->findChild<QPushButton*>(QStringLiteral("cmdCancel"))->isEnabled();
+}
+
+/// The console with a command that the micro is slow to answer.
+void RunStarCommand(Reentrancy& t) {
+    t.micro.spoil = [](CompanionDouble::Reply& reply) { reply.delay = 50ms; };
+    QTimer::singleShot(0, t.window.get(), [] {
+        auto* field = Reentrancy::Find("frmCLI")->findChild<QLineEdit*>();
+        field->setText(QStringLiteral("CAT"));
+        QTest::keyClick(field, Qt::Key_Return);
+    });
+    t.Choose("TavriloCli");
+}
+
+bool MicroHasHeard(Reentrancy& t) {
+    return !t.micro.heard.empty();
+}
+
+/// Inside the drain of the line that follows when a window is closed.
+bool DrainsAfterClosing(Reentrancy& t, const char* window) {
+    return MicroHasHeard(t) && t.CloseOnce(window) && Timer4().Enabled();
+}
+
+void ListImages(Reentrancy& t) {
+    t.person.folder = t.folder.path() / "images";
+    t.Choose("DiscEXDrive");
+}
+
+int PercentListed() {
+    const QWidget* progress = Reentrancy::Find("frmProgress");
+    return progress == nullptr ? -1 : progress->findChild<QProgressBar*>()->value();
+}
+
+// clang-format off
+constexpr Wait kWaits[] = {
+    // A renderer fills its window.
+    {"text",          [](auto& t) { t.Choose("FileViewAsText", 2); },      ViewFills},
+    {"hex",           [](auto& t) { t.Choose("FileViewAsHex", 2); },       ViewFills},
+    {"basic",         [](auto& t) { t.Choose("FileViewAsBasic", 0); },     ViewFills},
+    {"disassembly",   [](auto& t) { t.Choose("FileDisassembleFile", 1); }, ViewFills},
+    {"wordwise",      [](auto& t) { t.Choose("FileViewAsWordwise", 3); },  ViewFills},
+    {"cat",           [](auto& t) { t.Choose("DiscViewAsCAT"); },          ViewFills},
+    {"ex",            [](auto& t) { t.Choose("DiscViewAsEX"); },           ViewFills},
+    {"map",           [](auto& t) { t.Choose("DiscViewFreeSpaceMap"); },   ViewFills},
+    // Files and folders.
+    {"rename",        [](auto& t) { t.Choose("FileRenameFile", 1); },
+                      [](auto& t) { return t.List(0).IsEditing(1, 0); }},
+    {"export",        [](auto& t) { t.Choose("FileSelectAll"); t.Choose("FileExportFile"); },
+                      [](auto& t) { return !fs::is_empty(t.folder.path() / "out"); }},
+    {"import",        [](auto& t) { t.Drop(1); },                 [](auto&) { return Module1::gDirty; }},
+    {"folder walk",   ListImages,                                 [](auto&) { return PercentListed() == 0; }},
+    {"listing",       ListImages,                                 [](auto&) { return PercentListed() > 0; }},
+    {"printing",      [](auto& t) { t.ChooseInView("FilePrint"); }, [](auto& t) { return t.printed; }},
+    // Writing the preferences lets events run, too.
+    {"closing a view", [](auto& t) { t.Choose("DiscViewAsCAT"); Module1::gViewForm.lock()->close(); },
+                      [](auto&) { return Module1::gViewForm.lock()->IsClosed(); }},
+    {"closing the program", [](auto& t) { t.window->close(); },   [](auto&) { return true; }},
+    // The cable.
+    {"receiving",     [](auto& t) { t.Choose("ReceiveSSDDrive0"); }, [](auto&) { return Stands("frmRX"); }},
+    {"cancelled receiving", [](auto& t) { t.Choose("ReceiveDSDDrive0"); },
+                      [](auto& t) { return DrainsAfterClosing(t, "frmRX"); }},
+    {"sending",       [](auto& t) { t.Choose("SendDSDDrive0"); }, [](auto&) { return Stands("frmRX"); }},
+    {"cancelled sending", [](auto& t) { t.Choose("SendSSDDrive1"); },
+                      [](auto& t) { return DrainsAfterClosing(t, "frmRX"); }},
+    {"traced receiving", [](auto& t) { t.Choose("TraceWindow"); t.Choose("ReceiveSSDDrive0"); },
+                      [](auto&) { return Stands("frmRX"); }},
+    {"star command",  RunStarCommand,                             [](auto& t) { return MicroHasHeard(t) && Stands("frmCLI"); }},
+    {"closed console", RunStarCommand,                            [](auto& t) { return DrainsAfterClosing(t, "frmCLI"); }},
+    {"bootstrap",     StartBootstrap,                             [](auto&) { return Types() && MayCancelTyping(); }},
+    {"bootstrap's end", StartBootstrap,                           [](auto&) { return Types() && !MayCancelTyping(); }},
+    {"cancelled bootstrap", StartBootstrap,                       [](auto& t) { return Types() && t.CloseOnce("frmFirst"); }},
+    // Boxes and dialogs.
+    {"box",           [](auto& t) { t.person.to_open = "/nowhere.ssd"; t.Choose("DiscOpenDiscImage"); },
+                      [](auto&) { return Stands("box"); }},
+    {"box of a document", [](auto& t) { t.Choose("FileViewAsWordwise", 3); }, [](auto&) { return Stands("box"); }},
+    {"question",      [](auto& t) { Module1::gDirty = true; t.Choose("NewDiscImageTrackSSD200Kssd"); },
+                      [](auto&) { return Stands("question"); }},
+    {"question at the end", [](auto& t) { Module1::gDirty = true; t.window->close(); },
+                      [](auto&) { return Stands("question"); }},
+    {"open dialog",   [](auto& t) { t.Choose("DiscOpenDiscImage"); },       [](auto&) { return Stands("open dialog"); }},
+    {"save dialog",   [](auto& t) { t.ChooseInView("FileSaveFile"); },      [](auto&) { return Stands("save dialog"); }},
+    {"folder dialog", ListImages,                                           [](auto&) { return Stands("folder dialog"); }},
+    {"title",         [](auto& t) { t.Choose("DiscSetTitle"); },            [](auto&) { return Stands("frmTitle"); }},
+    {"boot options",  [](auto& t) { t.Choose("DiscSetBootOptions"); },      [](auto&) { return Stands("frmBoot"); }},
+    {"addresses",     [](auto& t) { t.Choose("FileSetFileAddresses", 1); }, [](auto&) { return Stands("frmAddr"); }},
+    {"serial port",   [](auto& t) { t.Choose("TavriloSerialPort"); },       [](auto&) { return Stands("frmSerial"); }},
+    {"first contact", [](auto& t) { t.Choose("TavriloSendBasicProgram"); }, [](auto&) { return Stands("frmFirst"); }},
+    {"console",       [](auto& t) { t.Choose("TavriloCli"); },              [](auto&) { return Stands("frmCLI"); }},
+    {"about",         [](auto& t) { t.Choose("HelpAboutQuoravel"); },       [](auto&) { return Stands("frmAbout"); }},
+    {"find",          [](auto& t) { t.ChooseInView("EditFind"); },          [](auto&) { return Stands("frmFind"); }},
+    {"page setup",    [](auto& t) { t.ChooseInView("FilePageSetup"); },     [](auto&) { return Stands("page setup"); }},
+    {"print dialog",  [](auto& t) { t.ChooseInView("FilePrint"); },         [](auto&) { return Stands("print dialog"); }},
+};
+
+// clang-format on
+
+class Waits : public Reentrancy, public testing::WithParamInterface<Wait> {
+  protected:
+    /// Enters the wait and runs `act` inside.
+    void Cross(const std::function<void()>& act) {
+        Start();
+        person.Await([this] { return GetParam().inside(*this); }, act);
+        GetParam().enter(*this);
+        for (int turn = 0; turn < 3; ++turn) // what is queued, timers, what they queue
+            QCoreApplication::processEvents();
+        EXPECT_TRUE(person.acted) << "the wait was not reached; boxes: "
+                                  << testing::PrintToString(person.TakeBoxTexts());
+        ExpectWhole();
+    }
+};
+
+TEST_P(Waits, WhateverIsDoneInsideTheProgramGoesOn) {
+    Deeds deeds;
+    Cross([&] { deeds = Reachable(); });
+    for (const auto& [name, ignored] : deeds) {
+        SCOPED_TRACE(name);
+        Cross([&, &name = name] {
+            const Deeds now = Reachable();
+            if (const auto deed = now.find(name); deed != now.end())
+                deed->second();
+            else
+                ADD_FAILURE() << "not there";
+        });
+    }
+    QuitByMenu();
+}
+
+INSTANTIATE_TEST_SUITE_P(Reentrancy, Waits, testing::ValuesIn(kWaits), [](const auto& wait) {
+    std::string name;
+    for (const char c : std::string(wait.param.name))
+        name += std::isalnum(static_cast<unsigned char>(c)) != 0 ? c : '_';
+    return name;
+});
+
+} // namespace
+} // namespace quoravel
