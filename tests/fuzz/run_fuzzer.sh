@@ -4,7 +4,8 @@
 # memory where the system has room for that.
 log=$1
 shift
-[ -w /dev/shm ] && memory=/dev/shm || memory=${TMPDIR:-/tmp}
+memory=${TMPDIR:-/tmp}
+[ ! -w /dev/shm ] || memory=/dev/shm
 TMPDIR=$(mktemp -d "$memory/quoravel-fuzz-XXXXXX") || exit 1
 export TMPDIR
 trap 'rm -rf "$TMPDIR"' EXIT
