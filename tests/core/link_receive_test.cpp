@@ -123,7 +123,7 @@ TEST_F(LinkReceiveTest, WhatFailsBeforeTheFirstTrackIsTold) {
         desktop.files = {file};
         std::int64_t told = 0;
         desktop.on_box = [&](std::string_view) { told = Milliseconds(); };
-        Spoil(message, [&](Reply& reply) { reply.bytes = answer; });
+        Spoil(message, [bytes = answer](Reply& reply) { reply.bytes = bytes; });
         EXPECT_FALSE(ReceiveSide(2));
         EXPECT_EQ(desktop.boxes, (std::vector<ScriptedHost::Box>{{box, "GetDisc Error"}}));
         EXPECT_EQ(Milliseconds() - told, drains ? 2000 : 0);

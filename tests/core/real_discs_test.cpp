@@ -2,7 +2,6 @@
 #include "disc/compact.h"
 #include "disc/free_space.h"
 #include "disc/image_files.h"
-#include "disc/listing.h"
 #include "support/disc_test.h"
 #include "support/temp_folder.h"
 
