@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <string>
-#include <string_view>
 #include <sys/stat.h>
 #include <tuple>
 #include <unistd.h>
@@ -44,7 +43,7 @@ void TakeOver(int fd, const std::optional<struct stat>& old) {
 }
 
 /// A new file in a folder. It has no name until it is whole, so that a save that is killed leaves
-/// nothing behind; where the file system has no nameless files it has one from the start.
+/// nothing behind; where the system has no nameless files it has one from the start.
 class SideFile {
   public:
     explicit SideFile(const fs::path& folder);
@@ -66,7 +65,10 @@ class SideFile {
     [[nodiscard]] bool MoveTo(const fs::path& target);
 
   private:
+    void OpenWithName();
     bool GiveName();
+    [[nodiscard]] std::optional<FileError> Write(Bytes bytes, const std::optional<struct stat>& old,
+                                                 Flush flush);
 
     fs::path folder_;
     fs::path name_; ///< empty while it has none
@@ -74,22 +76,25 @@ class SideFile {
 };
 
 /// Where a nameless file can be named.
-constexpr std::string_view kOpenFiles = "/proc/self/fd/";
+constexpr const char* kOpenFiles = "/proc/self/fd/";
 
 SideFile::SideFile(const fs::path& folder) : folder_(folder) {
     constexpr mode_t kPrivate = 0600; // until it is whole
-    if (::access(kOpenFiles.data(), X_OK) == 0)
+    if (::access(kOpenFiles, X_OK) == 0)
         out_.Open(::open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, kPrivate));
-    if (out_.IsOpen())
-        return;
-    std::string name = (folder / ".quoravel-XXXXXX").string();
+    if (!out_.IsOpen())
+        OpenWithName();
+}
+
+void SideFile::OpenWithName() {
+    std::string name = (folder_ / ".quoravel-XXXXXX").string();
     out_.Open(::mkostemp(name.data(), O_CLOEXEC));
     if (out_.IsOpen())
         name_ = name;
 }
 
 bool SideFile::GiveName() {
-    const std::string from = std::string(kOpenFiles) + std::to_string(out_.get());
+    const std::string from = kOpenFiles + std::to_string(out_.get());
     for (int i = 0; name_.empty(); ++i) {
         const fs::path name =
             folder_ / (".quoravel-" + std::to_string(::getpid()) + "-" + std::to_string(i));
@@ -101,14 +106,26 @@ bool SideFile::GiveName() {
     return true;
 }
 
-std::optional<FileError> SideFile::Fill(Bytes bytes, const std::optional<struct stat>& old,
-                                        Flush flush) {
+std::optional<FileError> SideFile::Write(Bytes bytes, const std::optional<struct stat>& old,
+                                         Flush flush) {
     if (auto error = WriteAll(out_.get(), bytes))
         return error;
     TakeOver(out_.get(), old); // now that it is whole: writing may take some permissions away again
-    if ((flush == Flush::Yes && ::fsync(out_.get()) != 0) || !GiveName() || !out_.Close())
+    if (flush == Flush::Yes && ::fsync(out_.get()) != 0)
         return LastError();
     return {};
+}
+
+std::optional<FileError> SideFile::Fill(Bytes bytes, const std::optional<struct stat>& old,
+                                        Flush flush) {
+    auto error = Write(bytes, old, flush);
+    if (!error && !GiveName()) { // there are systems that make nameless files and name none
+        OpenWithName();
+        error = out_.IsOpen() ? Write(bytes, old, flush) : LastError();
+    }
+    if (!error && !out_.Close())
+        error = LastError();
+    return error;
 }
 
 bool SideFile::MoveTo(const fs::path& target) {
