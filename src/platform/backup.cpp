@@ -54,7 +54,7 @@ void Prune(const fs::path& folder, const fs::path& newest) {
     std::for_each(copies.begin(), last, [&](const auto& copy) { fs::remove(copy.second, error); });
 }
 
-/// What all names and links of a file lead to.
+/// What a path leads to, whichever way it takes through links.
 fs::path Identity(const fs::path& file) {
     std::error_code error;
     fs::path real = fs::weakly_canonical(file, error);
@@ -64,12 +64,14 @@ fs::path Identity(const fs::path& file) {
 } // namespace
 
 std::variant<fs::path, FileError> KeepCopy(const fs::path& file) {
+    std::error_code error;
+    if (const auto size = fs::file_size(file, error); !error && size > kLargestBackup)
+        return FileError{"It is too large to be copied"};
     auto place = BackupFolder();
     const auto* folder = std::get_if<fs::path>(&place);
     if (folder == nullptr)
         return place;
     const fs::path copy = FreeCopyName(*folder, file);
-    std::error_code error;
     if (!fs::copy_file(file, copy, error)) {
         const FileError reason{error.message()};
         if (error != std::errc::file_exists)

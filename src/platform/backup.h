@@ -2,7 +2,9 @@
 
 #include "platform/files.h"
 
+#include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <set>
 #include <variant>
 
@@ -11,9 +13,13 @@ namespace quoravel {
 /// So many copies are kept, the newest ones.
 inline constexpr std::size_t kBackups = 50;
 
+/// Of a file with more bytes no copy is kept: it is no disc image, and would fill the user's disc.
+inline constexpr std::uintmax_t kLargestBackup = 64UL << 20U;
+
 /// Keeps a copy of what `file` holds in the folder "backup" of the host's state folder, which this
 /// user alone can enter, and forgets the oldest ones beyond kBackups. Gives where the copy is, or
-/// why there is none. A copy bears the name of its file, with a number if there is one already.
+/// why there is none; nothing of it is left then. A copy bears the name of its file, with a number
+/// if there is one already.
 [[nodiscard]] std::variant<std::filesystem::path, FileError>
 KeepCopy(const std::filesystem::path& file);
 

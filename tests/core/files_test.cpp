@@ -275,6 +275,14 @@ TEST_F(Files, TheFirstSaveOverAnOpenedFileKeepsACopyByWhateverNameItIsSaved) {
     EXPECT_FALSE(opened.KeepCopyOf(file)) << "there is nothing to keep";
 }
 
+TEST_F(Files, OfWhatIsNoDiscImageNoGigabytesAreCopied) {
+    OpenedFiles opened;
+    opened.Note(file);
+    fs::resize_file(file, std::uintmax_t{10} << 30U);
+    EXPECT_EQ(ReasonOf(opened.KeepCopyOf(file)), "It is too large to be copied");
+    EXPECT_THAT(Copies(), ElementsAre());
+}
+
 TEST_F(Files, OfTheCopiesTheNewestFiftyStay) {
     std::set<std::string> kept;
     for (int i = 0; i < 52; ++i) {
