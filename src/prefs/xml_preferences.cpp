@@ -68,7 +68,8 @@ fs::path NameForBadFile() {
     fs::path name = *prefFile;
     name += ".bad";
     const fs::path first = name;
-    for (int i = 2; i <= kMostBadFiles && fs::exists(fs::symlink_status(name)); ++i) {
+    std::error_code ignored;
+    for (int i = 2; i <= kMostBadFiles && fs::exists(fs::symlink_status(name, ignored)); ++i) {
         name = first;
         name += "." + std::to_string(i);
     }
