@@ -1,5 +1,6 @@
 #include "disc/catalogue.h"
 
+#include "disc/entries.h"
 #include "disc/module1.h"
 #include "disc/sector_map.h"
 #include "platform/text.h"
@@ -7,10 +8,6 @@
 namespace quoravel {
 
 namespace {
-
-constexpr int kMarkerBytes = 8;
-constexpr std::uint8_t kMarker = 0xAA;
-constexpr int kNameBytes = 7;
 
 unsigned ByteAt(int offset) {
     return Module1::DiscImg.Byte(offset);
@@ -20,33 +17,39 @@ char CharAt(int offset) {
     return static_cast<char>(ByteAt(offset) & 127U);
 }
 
-/// A field of 18 bits: 16 at `low`, two more in the packed byte of `info` from bit `shift` on.
-/// 3 in those two reads as FF.
-std::uint32_t WideField(int info, int low, unsigned shift) {
-    const unsigned high = (ByteAt(info + 6) >> shift) & 3U;
+/// A field of 18 bits: 16 at `field`, two more in the packed byte from bit `shift` on. 3 in those
+/// two reads as FF.
+std::uint32_t WideField(int info, int field, unsigned shift) {
+    const int low = info + field;
+    const unsigned high = (ByteAt(info + kPackedByte) >> shift) & 3U;
     return (high == 3 ? 0xFFU : high) << 16U | ByteAt(low + 1) << 8U | ByteAt(low);
 }
 
 } // namespace
 
 std::uint32_t LoadAddress(int info) {
-    return WideField(info, info, 2);
+    return WideField(info, kLoadField, kLoadShift);
 }
 
 std::uint32_t ExecAddress(int info) {
-    return WideField(info, info + 2, 6);
+    return WideField(info, kExecField, kExecShift);
 }
 
 std::uint32_t FileLength(int info) {
-    return WideField(info, info + 4, 4);
+    return WideField(info, kLengthField, kLengthShift);
 }
 
 int StartSector(int info) {
-    return static_cast<int>((ByteAt(info + 6) & 3U) << 8U | ByteAt(info + 7));
+    return static_cast<int>((ByteAt(info + kPackedByte) & 3U) << 8U | ByteAt(info + kSectorByte));
 }
 
 int FilesInCatalogue(int base) {
     return Module1::DiscImg.Byte(base + kCountByte) / 8;
+}
+
+unsigned CycleNumber(int base) {
+    const unsigned digits = ByteAt(base + kCycleByte);
+    return (digits / 16 * 10 + (digits & 15U)) % 100;
 }
 
 int BootOption(int drive) {
@@ -56,15 +59,15 @@ int BootOption(int drive) {
 void SetBootOption(int drive, int option) {
     const int flags = GetStartSectorOfDrive(drive) + kFlagsByte;
     const unsigned stored = (ByteAt(flags) & 207U) | (static_cast<unsigned>(option) & 3U) << 4U;
-    Module1::DiscImg.SetByte(flags, static_cast<std::uint8_t>(stored));
+    StoreByte(flags, stored);
 }
 
 inline namespace Module7 {
 
 bool IsWatfordDFS(int drive) {
     const int marker = GetStartSectorOfDrive(drive) + kSecondCatalogue;
-    for (int i = 0; i < kMarkerBytes; ++i)
-        if (ByteAt(marker + i) != kMarker)
+    for (int i = 0; i < kWatfordMarkerBytes; ++i)
+        if (ByteAt(marker + i) != kWatfordMarker)
             return false;
     return true;
 }
@@ -87,8 +90,8 @@ int GetDirOffset(int drive, int file_number) {
     const int start = GetStartSectorOfDrive(drive);
     const int first = FilesInCatalogue(start);
     if (file_number < first)
-        return start + kEntryBytes + kEntryBytes * file_number;
-    return start + kSecondCatalogue + kEntryBytes + kEntryBytes * (file_number - first);
+        return SlotOffset(start, file_number);
+    return SlotOffset(start + kSecondCatalogue, file_number - first);
 }
 
 int GetNumberOfSectors(int drive) {
@@ -99,10 +102,9 @@ int GetNumberOfSectors(int drive) {
 }
 
 void UpdateSequenceNumber(int drive) {
-    const int cycle = GetStartSectorOfDrive(drive) + kCycleByte;
-    const unsigned was = ByteAt(cycle);
-    const unsigned next = ((was / 16) * 10 + (was & 15U) + 1) % 100;
-    Module1::DiscImg.SetByte(cycle, static_cast<std::uint8_t>(next / 10 * 16 + next % 10));
+    const int start = GetStartSectorOfDrive(drive);
+    const unsigned next = (CycleNumber(start) + 1) % 100;
+    StoreByte(start + kCycleByte, next / 10 * 16 + next % 10);
     Module1::gDirty = true;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -23,8 +24,16 @@ inline constexpr int kCountByte = 261; ///< number of files times 8
 inline constexpr int kFlagsByte = 262; ///< bits 0-1 sector count high, bits 4-5 boot option
 inline constexpr int kSectorCountByte = 263;
 
-/// The directory byte within a name entry: bit 7 is the lock.
-inline constexpr int kDirectoryByte = 7;
+inline constexpr int kNameBytes = 7;     ///< of a name entry, padded with spaces
+inline constexpr int kDirectoryByte = 7; ///< behind them: bit 7 is the lock
+
+// Characters of a name as lists show it, without and with its directory: NAME, D.NAME.
+inline constexpr std::size_t kLongestBareName = kNameBytes;
+inline constexpr std::size_t kLongestName = kLongestBareName + 2;
+
+// What fills the first name entry of Watford's second catalogue, to be known by.
+inline constexpr std::uint8_t kWatfordMarker = 0xAA;
+inline constexpr int kWatfordMarkerBytes = kEntryBytes;
 
 /// Fields of the information block at `info` as numbers. An address or length whose two high bits
 /// are both set reads as 0xFFxxxx, lengths included: that is how this system has always shown them.
@@ -40,6 +49,10 @@ inline constexpr int kDirectoryByte = 7;
 
 /// Files in the catalogue that starts at `base`: its count byte / 8, whole.
 [[nodiscard]] int FilesInCatalogue(int base);
+
+/// Cycle number of the catalogue that starts at `base`, 0 to 99: two decimal digits in one byte;
+/// what is none goes through the same sum.
+[[nodiscard]] unsigned CycleNumber(int base);
 
 /// Boot option of a drive, 0 to 3.
 [[nodiscard]] int BootOption(int drive);

@@ -22,9 +22,10 @@ int SlideDown(int drive, int file_number, int next) {
         const int base = GetStartSectorOfDrive(Module1::cur_drive);
         Module1::DiscImg.CopyAscending(base + std::int64_t{sector} * kSectorBytes,
                                        base + std::int64_t{next} * kSectorBytes, bytes);
-        const int packed = (Module1::DiscImg.Byte(info + 6) & 252) | (next / 256);
-        Module1::DiscImg.SetByte(info + 6, static_cast<std::uint8_t>(packed));
-        Module1::DiscImg.SetByte(info + 7, static_cast<std::uint8_t>(next));
+        const auto sector_now = static_cast<unsigned>(next);
+        const unsigned others = Module1::DiscImg.Byte(info + kPackedByte) & ~3U;
+        StoreByte(info + kPackedByte, others | sector_now / 256);
+        StoreByte(info + kSectorByte, sector_now);
     }
     return next + SectorsOf(bytes);
 }

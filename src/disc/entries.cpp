@@ -8,7 +8,6 @@ namespace quoravel {
 namespace {
 
 constexpr std::size_t kNameStart = 2; // in D.NAME
-constexpr int kNameBytes = kDirectoryByte;
 
 /// Pair 0, 1 or 2 of six hex digits.
 unsigned Pair(std::string_view digits, std::size_t pair) {
@@ -17,6 +16,10 @@ unsigned Pair(std::string_view digits, std::size_t pair) {
 }
 
 } // namespace
+
+void StoreByte(int offset, unsigned value) {
+    Module1::DiscImg.SetByte(offset, static_cast<std::uint8_t>(value));
+}
 
 void CopyEntry(int from, int to) {
     Module1::DiscImg.CopyAscending(from, to, kEntryBytes);
@@ -38,8 +41,8 @@ unsigned HighBits(std::string_view digits) {
 }
 
 void StoreLowDigits(int at, std::string_view digits) {
-    Module1::DiscImg.SetByte(at, static_cast<std::uint8_t>(Pair(digits, 2)));
-    Module1::DiscImg.SetByte(at + 1, static_cast<std::uint8_t>(Pair(digits, 1)));
+    StoreByte(at, Pair(digits, 2));
+    StoreByte(at + 1, Pair(digits, 1));
 }
 
 void StoreName(int entry, std::string_view name) {

@@ -21,10 +21,13 @@ inline constexpr unsigned kLoadShift = 2;
 inline constexpr unsigned kLengthShift = 4;
 inline constexpr unsigned kExecShift = 6;
 
-/// The entry in `slot` (0 to 30) of the catalogue that starts at `base`.
+/// The entry in `slot` (from 0, on a sound disc to 30) of the catalogue that starts at `base`.
 [[nodiscard]] constexpr int SlotOffset(int base, int slot) {
     return base + kEntryBytes + kEntryBytes * slot;
 }
+
+/// Stores the lowest eight bits of `value` at `offset` of the block.
+void StoreByte(int offset, unsigned value);
 
 void CopyEntry(int from, int to);
 void ClearEntry(int at);

@@ -14,8 +14,6 @@ namespace quoravel {
 namespace {
 
 constexpr std::size_t kAddressDigits = 6;
-constexpr std::size_t kLongestName = 9; // D.NAME
-constexpr std::size_t kLongestBareName = 7;
 constexpr unsigned kLock = 128;
 constexpr std::string_view kForbidden = " -:*#&@^"; // "." and "$" may stand in a name
 
@@ -35,10 +33,6 @@ unsigned ByteAt(int offset) {
     return Module1::DiscImg.Byte(offset);
 }
 
-void SetByte(int offset, unsigned value) {
-    Module1::DiscImg.SetByte(offset, static_cast<std::uint8_t>(value));
-}
-
 /// The entry of that name on cur_drive.
 std::optional<int> FindEntry(std::string_view name) {
     const int pos = GetPos(Module1::cur_drive, name);
@@ -54,7 +48,7 @@ void SetLock(std::string_view name, unsigned lock) {
     if (!entry)
         return;
     const int directory = *entry + kDirectoryByte;
-    SetByte(directory, (ByteAt(directory) & ~kLock) | lock);
+    StoreByte(directory, (ByteAt(directory) & ~kLock) | lock);
     UpdateSequenceNumber(Module1::cur_drive);
 }
 
@@ -150,7 +144,7 @@ bool RenameFile(std::string_view new_name, std::string_view old_name, bool overr
     if (const auto refusal = RefusalOfName(name))
         return Refuse(*refusal);
     const int directory = *entry + kDirectoryByte;
-    SetByte(directory, (ByteAt(directory) & kLock) | static_cast<unsigned char>(name.front()));
+    StoreByte(directory, (ByteAt(directory) & kLock) | static_cast<unsigned char>(name.front()));
     StoreName(*entry, name);
     UpdateSequenceNumber(Module1::cur_drive);
     return false;
@@ -166,7 +160,7 @@ void SetFileAttr(std::string_view name, std::string_view load, std::string_view 
     const unsigned others = ByteAt(info + kPackedByte) & ~(3U << kExecShift | 3U << kLoadShift);
     StoreLowDigits(info + kExecField, exec);
     StoreLowDigits(info + kLoadField, load);
-    SetByte(info + kPackedByte, others | high << kExecShift | high << kLoadShift);
+    StoreByte(info + kPackedByte, others | high << kExecShift | high << kLoadShift);
     UpdateSequenceNumber(Module1::cur_drive);
 }
 

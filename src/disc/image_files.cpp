@@ -14,9 +14,6 @@ namespace quoravel {
 
 namespace {
 
-constexpr std::uint8_t kWatfordMarker = 0xAA;
-constexpr int kWatfordMarkerBytes = 8;
-
 /// Where track `file_track` of an interleaved file lies in the block.
 constexpr int BlockOffsetOfFileTrack(int file_track) {
     return (file_track / 2 + file_track % 2 * kDriveTracks) * kTrackBytes;

@@ -17,8 +17,8 @@ std::optional<std::string> ListedName(int entry) {
     const auto at = [&](int i) {
         return static_cast<char>(Module1::DiscImg.Byte(entry + i) & 127);
     };
-    std::array<char, kDirectoryByte> bytes{};
-    for (int i = 0; i < kDirectoryByte; ++i)
+    std::array<char, kNameBytes> bytes{};
+    for (int i = 0; i < kNameBytes; ++i)
         bytes[static_cast<std::size_t>(i)] = at(i);
     std::string_view name(bytes.data(), bytes.size());
     name = name.substr(0, name.find('\r'));

@@ -32,7 +32,7 @@ inline constexpr int kFreeRegions = 83;
 using RegionTable = std::array<std::array<int, kFreeRegions>, kDrives>;
 
 // The disc.
-inline DiscBlock DiscImg;            ///< the one image in memory, made anew by Init
+inline DiscBlock DiscImg;            ///< the one image in memory
 inline int cur_drive = 0;            ///< drive (0 or 1) that the commands act on
 inline int mSelectedItem = -1;       ///< row of the selected file in the list of cur_drive, or -1
 inline bool gDirty = false;          ///< the block differs from the file
@@ -76,7 +76,7 @@ inline int gSerialPort = 0; ///< index of the port that the port dialog starts w
 inline bool gTraceWindow = false;   ///< the trace window is open
 inline bool gTraceFileOpen = false; ///< the trace is being written to a file
 
-/// Makes DiscImg, empties gsFile and clears the trace state.
+/// Clears DiscImg, the ring and the trace state, and empties gsFile.
 void Init();
 
 /// Sets the status line of `drive`.

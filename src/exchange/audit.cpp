@@ -14,10 +14,8 @@ namespace {
 
 bool IsImage(std::string_view name) {
     static constexpr std::array<std::string_view, 3> endings{".ssd", ".dsd", ".img"};
-    return std::ranges::any_of(endings, [&](std::string_view ending) {
-        return name.size() >= ending.size() &&
-               EqualIgnoringCase(name.substr(name.size() - ending.size()), ending);
-    });
+    return std::ranges::any_of(
+        endings, [&](std::string_view ending) { return EndsIgnoringCase(name, ending); });
 }
 
 } // namespace

@@ -25,10 +25,6 @@ Bytes DataOf(const ListRow& row, int drive) {
                                  HexValue(row.Size));
 }
 
-Bytes BytesOf(std::string_view text) {
-    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
-}
-
 bool Write(const fs::path& file, Bytes bytes) {
     // The disc image still holds what is written here: there is nothing to lose.
     const auto error = ReplaceFile(file, bytes, Flush::No);
@@ -42,7 +38,7 @@ bool Write(const fs::path& file, Bytes bytes) {
 std::optional<ExportedFiles> ExportRow(const ListRow& row, int drive, const fs::path& folder) {
     const std::string name = HostFileName(row.FileName);
     ExportedFiles files{folder / name, folder / (name + ".INF")};
-    if (!Write(files.data, DataOf(row, drive)) || !Write(files.sidecar, BytesOf(SidecarText(row))))
+    if (!Write(files.data, DataOf(row, drive)) || !Write(files.sidecar, AsBytes(SidecarText(row))))
         return {};
     return files;
 }

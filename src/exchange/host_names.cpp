@@ -1,5 +1,6 @@
 #include "exchange/host_names.h"
 
+#include "disc/catalogue.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -11,8 +12,6 @@ namespace {
 
 constexpr std::array<std::string_view, 4> kReserved{"CON", "PRN", "LPT", "COM"};
 constexpr std::string_view kSeparators = "/\\:";
-constexpr std::size_t kLongestName = 9; // D.NAME
-constexpr std::size_t kLongestBareName = 7;
 
 bool IsControlCode(char c) {
     return static_cast<unsigned char>(c) < 32 || c == 127;

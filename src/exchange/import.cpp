@@ -111,22 +111,18 @@ void OpenSlot(const Place& place) {
     AddToCount(place.base, 1);
 }
 
-void SetByte(int offset, unsigned value) {
-    Module1::DiscImg.SetByte(offset, static_cast<std::uint8_t>(value));
-}
-
 void WriteEntry(int entry, const Sidecar& file, int sector) {
     StoreName(entry, file.name);
     const unsigned directory = static_cast<unsigned char>(file.name.front());
-    SetByte(entry + kDirectoryByte, directory + (file.locked ? 128U : 0U));
+    StoreByte(entry + kDirectoryByte, directory + (file.locked ? 128U : 0U));
     const int info = entry + kInfoDistance;
     StoreLowDigits(info + kLoadField, file.load);
     StoreLowDigits(info + kExecField, file.exec);
     StoreLowDigits(info + kLengthField, file.size);
-    SetByte(info + kPackedByte,
-            HighBits(file.load) << kLoadShift | HighBits(file.exec) << kExecShift |
-                HighBits(file.size) << kLengthShift | (static_cast<unsigned>(sector) >> 8U & 3U));
-    SetByte(info + kSectorByte, static_cast<unsigned>(sector));
+    StoreByte(info + kPackedByte,
+              HighBits(file.load) << kLoadShift | HighBits(file.exec) << kExecShift |
+                  HighBits(file.size) << kLengthShift | (static_cast<unsigned>(sector) >> 8U & 3U));
+    StoreByte(info + kSectorByte, static_cast<unsigned>(sector));
 }
 
 void WriteData(int drive, int sector, std::span<const std::uint8_t> bytes) {

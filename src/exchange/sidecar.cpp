@@ -56,10 +56,6 @@ bool IsFile(const fs::path& file) {
     return fs::exists(status) && !fs::is_directory(status);
 }
 
-fs::path FolderOf(const fs::path& file) {
-    return file.has_parent_path() ? file.parent_path() : fs::path(".");
-}
-
 /// The first entry in name order whose name is `name` but for the case.
 std::optional<fs::path> FindInAnyCase(const fs::path& folder, const std::string& name) {
     std::optional<fs::path> found;
@@ -89,9 +85,7 @@ std::string SidecarText(const ListRow& row) {
 }
 
 bool IsSidecarName(const fs::path& file) {
-    const std::string name = file.filename().string();
-    return name.size() >= kExtension.size() &&
-           EqualIgnoringCase(name.substr(name.size() - kExtension.size()), kExtension);
+    return EndsIgnoringCase(file.filename().string(), kExtension);
 }
 
 std::optional<fs::path> FindSidecar(const fs::path& file) {

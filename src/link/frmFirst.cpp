@@ -2,7 +2,6 @@
 
 #include "disc/module1.h"
 #include "link/link_use.h"
-#include "platform/qt/text.h"
 #include "shell/frmDialog.h"
 
 #include <QLabel>

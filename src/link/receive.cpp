@@ -20,9 +20,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr FileType kSingleSided{"Disc Images", ".ssd;.SSD", "special/any", "????"};
 constexpr FileType kDoubleSided{"Disc Images", ".dsd;.DSD", "special/any", "????"};
-constexpr int kTracksOfBothSides = 160;
+constexpr int kTracksOfBothSides = kDrives * kDriveTracks;
 
 /// One disc on its way to the host.
 struct Reception {
@@ -50,10 +49,10 @@ int AskTracks() {
         return 0;
     }
     switch (NumberOf(reply)) {
-    case 204800:
-        return 80;
-    case 102400:
-        return 40;
+    case kDriveBytes:
+        return kDriveTracks;
+    case kDriveBytes / 2:
+        return kDriveTracks / 2;
     default:
         TellTransferError("Unknown Disc Size");
         return 0;

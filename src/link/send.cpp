@@ -20,10 +20,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr FileType kSingleSided{"Disc Images", ".ssd;.SSD", "special/any", "????"};
 constexpr FileType kDoubleSided{"Disc Images", ".img;.dsd;.IMG;.DSD", "special/any", "????"};
-constexpr std::int64_t kSectorBytes = 256;
-constexpr std::int64_t kSectorsPerTrack = 10;
 
 /// The image that is being sent. Any length goes; read errors are not looked at.
 class ImageFile {
@@ -52,13 +49,14 @@ class ImageFile {
     /// events.
     void ReadTrack(std::int64_t number, std::array<std::uint8_t, kTrackLength>& track) {
         track.fill(0);
-        for (std::int64_t s = 0; s < kSectorsPerTrack; ++s) {
-            const std::int64_t sector = number * kSectorsPerTrack + s;
+        for (std::int64_t s = 0; s < kTrackSectors; ++s) {
+            const std::int64_t sector = number * kTrackSectors + s;
             if (sector < length_ / kSectorBytes) {
                 in_.clear();
                 in_.seekg(sector * kSectorBytes);
-                in_.read(reinterpret_cast<char*>(&track[static_cast<std::size_t>(s) * 256]),
-                         kSectorBytes);
+                in_.read(
+                    reinterpret_cast<char*>(&track[static_cast<std::size_t>(s) * kSectorBytes]),
+                    kSectorBytes);
             }
             Yield();
         }

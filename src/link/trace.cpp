@@ -1,11 +1,9 @@
 #include "link/trace.h"
 
-#include "platform/files.h"
 #include "platform/growing_file.h"
 #include "platform/host.h"
 #include "platform/text.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <vector>
 
@@ -32,12 +30,6 @@ void WriteRecord(std::string_view line) {
         log_length += record.size();
 }
 
-/// The top bit of a byte is dropped.
-char Shown(char c) {
-    const char low = static_cast<char>(c & 127);
-    return low < 32 || low == 127 ? '.' : low;
-}
-
 /// `offset` is that of the first byte of `part`, which has up to 16.
 std::string DumpLine(std::string_view part, std::size_t offset, bool sent) {
     std::string line = sent ? "TX: " : "RX: ";
@@ -45,7 +37,8 @@ std::string DumpLine(std::string_view part, std::size_t offset, bool sent) {
     for (const char c : part)
         line += Hex(static_cast<std::uint8_t>(c), 2) + ' ';
     line.append(3 * (kDumpColumns - part.size()) + 1, ' ');
-    std::ranges::transform(part, std::back_inserter(line), Shown);
+    for (const char c : part)
+        line += DumpCharacter(static_cast<std::uint8_t>(c));
     return line;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "link/windows.h"
+#include "platform/file_type.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -9,6 +10,9 @@
 // What receiving and sending a disc share.
 
 namespace quoravel {
+
+/// The images of one side, to be received and to be sent.
+inline constexpr FileType kSingleSided{"Disc Images", ".ssd;.SSD", "special/any", "????"};
 
 /// Where a track of an image lies on the micro.
 struct TrackPlace {

@@ -83,6 +83,10 @@ std::optional<FileError> LengthOfFile(const fs::path& file, std::uint64_t& lengt
     return {};
 }
 
+fs::path FolderOf(const fs::path& file) {
+    return file.has_parent_path() ? file.parent_path() : fs::path(".");
+}
+
 std::optional<FileError> MakePrivateFolder(fs::path& folder) {
     std::error_code error;
     const fs::path parent = fs::temp_directory_path(error);

@@ -33,6 +33,9 @@ ReadFile(const std::filesystem::path& file, std::size_t limit, std::vector<std::
 [[nodiscard]] std::optional<FileError> LengthOfFile(const std::filesystem::path& file,
                                                     std::uint64_t& length);
 
+/// The folder that `file` lies in; "." for a bare name.
+[[nodiscard]] std::filesystem::path FolderOf(const std::filesystem::path& file);
+
 /// Makes a new folder in the host's temporary folder that this user alone can enter. Its name
 /// starts with "quoravel-".
 [[nodiscard]] std::optional<FileError> MakePrivateFolder(std::filesystem::path& folder);

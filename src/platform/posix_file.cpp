@@ -64,8 +64,4 @@ fs::path FollowLinks(fs::path file) {
     return file;
 }
 
-fs::path FolderOf(const fs::path& file) {
-    return file.has_parent_path() ? file.parent_path() : fs::path(".");
-}
-
 } // namespace quoravel

@@ -60,7 +60,4 @@ void FlushToDisc(const std::filesystem::path& file_or_folder);
 /// nothing yet.
 [[nodiscard]] std::filesystem::path FollowLinks(std::filesystem::path file);
 
-/// The folder that `file` lies in; "." for a bare name.
-[[nodiscard]] std::filesystem::path FolderOf(const std::filesystem::path& file);
-
 } // namespace quoravel

@@ -61,6 +61,11 @@ bool EqualIgnoringCase(std::string_view a, std::string_view b) {
     return std::ranges::equal(a, b, {}, UpperCaseOf, UpperCaseOf);
 }
 
+bool EndsIgnoringCase(std::string_view text, std::string_view ending) {
+    return text.size() >= ending.size() &&
+           EqualIgnoringCase(text.substr(text.size() - ending.size()), ending);
+}
+
 std::string Hex(std::uint32_t value, int digits) {
     std::string text(static_cast<std::size_t>(digits), '0');
     for (auto digit = text.rbegin(); digit != text.rend(); ++digit, value >>= 4U)
@@ -108,6 +113,10 @@ std::string AddLineFeeds(std::string_view text) {
     for (const char c : text)
         with.append(c == '\r' ? "\r\n" : std::string_view(&c, 1));
     return with;
+}
+
+std::span<const std::uint8_t> AsBytes(std::string_view text) {
+    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
 }
 
 std::string Latin1ToUtf8(std::string_view text) {

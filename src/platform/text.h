@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -17,6 +18,9 @@ namespace quoravel {
 
 /// True if both are the same but for the case of the letters a to z.
 [[nodiscard]] bool EqualIgnoringCase(std::string_view a, std::string_view b);
+
+/// True if `text` ends in `ending`, whatever the case of the letters a to z.
+[[nodiscard]] bool EndsIgnoringCase(std::string_view text, std::string_view ending);
 
 /// The lowest `digits` hex digits of `value`, upper case, padded with zeros: it wraps, never
 /// widens.
@@ -35,6 +39,16 @@ namespace quoravel {
 
 /// `text` with a LF behind each CR.
 [[nodiscard]] std::string AddLineFeeds(std::string_view text);
+
+/// A byte as dumps show it: without its bit 7, and "." for what is then no character, so that C1
+/// is "A" and 9F a dot.
+[[nodiscard]] constexpr char DumpCharacter(unsigned byte) {
+    const unsigned c = byte & 127U;
+    return c < 32 || c == 127 ? '.' : static_cast<char>(c);
+}
+
+/// The bytes of `text` as files take them; `text` must outlive them.
+[[nodiscard]] std::span<const std::uint8_t> AsBytes(std::string_view text);
 
 /// Each byte as the Latin-1 character that it is, in UTF-8.
 [[nodiscard]] std::string Latin1ToUtf8(std::string_view text);

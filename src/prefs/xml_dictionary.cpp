@@ -2,6 +2,7 @@
 
 #include "platform/files.h"
 #include "platform/saving.h"
+#include "platform/text.h"
 #include "prefs/xml_parser.h"
 #include "prefs/xml_tree.h"
 
@@ -46,7 +47,7 @@ std::string ExportXMLString(const DictionaryRef& dict, bool plist) {
 
 bool SaveXML(const DictionaryRef& dict, const std::filesystem::path& file, bool plist) {
     const std::string text = ExportXMLString(dict, plist);
-    const std::span bytes(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
+    const auto bytes = AsBytes(text);
     return Holds(file, bytes) || !ReplaceFile(file, bytes);
 }
 

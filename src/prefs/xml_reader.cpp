@@ -46,7 +46,6 @@ Value ReadArray(const XmlNode& element) {
 
 /// A dictionary merges into `present`, the one that is stored in its place already, so that loading
 /// over defaults keeps what the file does not name.
-// NOLINTNEXTLINE(misc-no-recursion): no deeper than kDeepestLevel
 Value ReadDict(const XmlNode& element, const Value& present) {
     const auto* stored = std::get_if<DictionaryRef>(&present);
     const DictionaryRef dict =
@@ -75,7 +74,6 @@ constexpr std::array kReadings{
     Reading{"color", [](const XmlNode& e) { return Value(ColourFromText(NodeContents(e))); }},
 };
 
-// NOLINTNEXTLINE(misc-no-recursion): no deeper than kDeepestLevel
 void ReadElement(const XmlNode& element, const Key& key, const Value& store) {
     if (EqualIgnoringCase(element.name(), "dict"))
         return StoreValue(key, ReadDict(element, StorageByKey(store, key)), store);
@@ -112,7 +110,7 @@ std::string NodeContents(const XmlNode& node) {
     return contents;
 }
 
-// NOLINTNEXTLINE(misc-no-recursion): no deeper than kDeepestLevel
+/// Calls itself by way of ReadElement, no deeper than kDeepestLevel.
 void ParseXML(const XmlNode& node, const Value& store) {
     Key key;
     for (const XmlNode& child : node.children()) {

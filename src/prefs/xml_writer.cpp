@@ -1,4 +1,5 @@
 #include "platform/host.h"
+#include "platform/text.h"
 #include "prefs/base64.h"
 #include "prefs/value_text.h"
 #include "prefs/xml_dictionary.h"
@@ -74,8 +75,7 @@ void ElementWriter::AppendLeaf(const char* name, const std::string& text) {
 void ElementWriter::operator()(const std::filesystem::path& value) {
     if (plist_)
         return AppendNil();
-    const std::string& location = value.native();
-    AppendBytes("file", {reinterpret_cast<const std::uint8_t*>(location.data()), location.size()});
+    AppendBytes("file", AsBytes(value.native()));
 }
 
 template<class Ref>

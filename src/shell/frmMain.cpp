@@ -13,8 +13,6 @@
 #include "shell/menus.h"
 
 #include <QCloseEvent>
-#include <QLayout>
-#include <QMenu>
 #include <QMenuBar>
 #include <QTimer>
 

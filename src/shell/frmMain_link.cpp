@@ -7,7 +7,6 @@
 #include "link/frmTrace.h"
 #include "link/link_use.h"
 #include "link/ring.h"
-#include "link/serial.h"
 #include "link/trace.h"
 #include "link/transfer.h"
 #include "platform/host.h"

@@ -17,9 +17,6 @@ constexpr int kQuote = 34;
 constexpr int kEndOfProgram = 255; ///< in place of the high byte of a line number
 constexpr std::size_t kNumberWidth = 5;
 
-/// Asking the clock at every byte would take most of the time; this many pass in microseconds.
-constexpr int kBytesPerYield = 256;
-
 /// The number that the three bytes behind a line number token stand for. Meant: the two high bits
 /// of the number, which b1 holds too, are left out, so that targets from 16384 up come out small;
 /// bytes that no machine writes can give a number below 0.

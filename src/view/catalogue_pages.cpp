@@ -60,11 +60,6 @@ unsigned ByteAt(int offset) {
     return Module1::DiscImg.Byte(offset);
 }
 
-/// The cycle number of two decimal digits; what is none goes through the same sum.
-unsigned CycleNumber(unsigned byte) {
-    return (byte / 16 * 10 + (byte & 15U)) % 100;
-}
-
 /// Blanks in place of "$." bring the files of $ to the front.
 void AddCatText(const ListRow& file, std::string& texts) {
     if (file.FileName.front() == '$')
@@ -155,9 +150,9 @@ void PrintFields(const std::vector<PageRow>& rows, ViewSink& sink) {
 
 void ListHeader(int start, ViewSink& sink) {
     const std::string drive = std::to_string(Module1::cur_drive);
-    const unsigned cycle = CycleNumber(ByteAt(start + kCycleByte));
     const unsigned option = ByteAt(start + kFlagsByte) / 16 & 3U;
-    sink.ShowData(GetTitle(Module1::cur_drive) + " (" + std::to_string(cycle) + ") FM\r");
+    sink.ShowData(GetTitle(Module1::cur_drive) + " (" + std::to_string(CycleNumber(start)) +
+                  ") FM\r");
     sink.ShowData("Drive " + drive + "             Option " + std::to_string(option) + " (" +
                   std::string(kOptionNames[option]) + ")\r");
     sink.ShowData(Padded("Dir. :" + drive + ".$", kHeaderColumn) + " Lib. :" + drive + ".$\r\r");

@@ -96,9 +96,8 @@ class ExLogStream : public ViewSink {
     }
 
     void WriteText() {
-        const auto* bytes = reinterpret_cast<const std::uint8_t*>(text_.data());
         if (!error_)
-            error_ = out_.WriteAt(written_, {bytes, text_.size()});
+            error_ = out_.WriteAt(written_, AsBytes(text_));
         written_ += text_.size();
         text_.clear();
     }

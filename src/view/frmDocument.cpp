@@ -22,10 +22,6 @@ namespace {
 
 constexpr QSize kNewSize(611, 359); // of the content, below the menu bar
 
-std::span<const std::uint8_t> BytesOf(std::string_view text) {
-    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
-}
-
 } // namespace
 
 frmDocument::frmDocument(const Names& names)
@@ -114,7 +110,7 @@ void frmDocument::FileSaveFile_Action() {
     if (!file)
         return;
     // The text goes out with its own line ends, and one of the host's behind it.
-    if (const auto error = ReplaceFile(*file, BytesOf(Latin1ToUtf8(rtb_->Text()) + "\n")))
+    if (const auto error = ReplaceFile(*file, AsBytes(Latin1ToUtf8(rtb_->Text()) + "\n")))
         host().MsgBox("Cannot save " + FileName(*file) + ": " + error->reason);
 }
 

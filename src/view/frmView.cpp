@@ -29,8 +29,6 @@ namespace {
 /// Thrown by ShowData into a renderer whose window has been closed.
 class ViewClosed {};
 
-constexpr int kBytesPerYield = 256;
-
 int SectorOf(const ListRow& file) {
     return static_cast<int>(HexValue(file.Sector));
 }

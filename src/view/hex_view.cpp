@@ -20,12 +20,6 @@ unsigned ByteAt(int offset) {
     return Module1::DiscImg.Byte(offset);
 }
 
-/// Meant: without its bit 7 a byte of C1 shows as "A", and 9F as a dot.
-char CharacterOf(unsigned byte) {
-    const auto c = static_cast<char>(byte & 127U);
-    return c < 32 || c == 127 ? '.' : c;
-}
-
 /// Makes `row` the row of `count` bytes at `offset` of the file at `base`.
 void BuildRow(std::string& row, int base, int offset, int count) {
     const int first = base + offset;
@@ -36,7 +30,7 @@ void BuildRow(std::string& row, int base, int offset, int count) {
     }
     row.append(static_cast<std::size_t>(kFieldWidth * (kRowBytes - count) + 1), ' ');
     for (int i = first; i < first + count; ++i)
-        row += CharacterOf(ByteAt(i));
+        row += DumpCharacter(ByteAt(i));
     row += '\r';
 }
 

@@ -13,9 +13,6 @@ namespace {
 constexpr char kLineFeed = '\n';
 constexpr char kCarriageReturn = '\r';
 
-/// Asking the clock at every byte would take most of the time; this many pass in microseconds.
-constexpr int kBytesPerYield = 256;
-
 } // namespace
 
 void ListText(int base, std::uint32_t length, ViewSink& sink) {

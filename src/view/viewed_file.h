@@ -4,8 +4,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <string>
-#include <string_view>
 
 namespace quoravel {
 
@@ -17,9 +15,7 @@ namespace quoravel {
     return length < kNoLength ? static_cast<int>(length) : std::max(kDiscBytes - base, 0);
 }
 
-/// Title of a window that shows the file `name` as text, hex, BASIC or a document.
-[[nodiscard]] inline std::string ViewFileTitle(std::string_view name) {
-    return std::string("View File - ").append(name);
-}
+/// Asking the clock at every byte would take most of the time; this many pass in microseconds.
+inline constexpr int kBytesPerYield = 256;
 
 } // namespace quoravel
