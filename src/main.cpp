@@ -3,6 +3,7 @@
 #include "platform/qt/qt_host.h"
 #include "shell/frmMain.h"
 
+#include <csignal>
 #include <filesystem>
 #include <system_error>
 
@@ -10,6 +11,7 @@
 int main(int argc, char** argv) {
     using namespace quoravel;
 
+    std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow is an error to be told, not the end
     App app(argc, argv);
     const QtHost desktop;
     frmMain main_window;
