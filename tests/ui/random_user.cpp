@@ -9,6 +9,7 @@
 #include "disc/module1.h"
 #include "platform/qt/application.h"
 #include "platform/qt/listbox.h"
+#include "platform/qt/modal.h"
 #include "platform/qt/printing.h"
 #include "platform/qt/qt_host.h"
 #include "shell/frmMain.h"
@@ -179,7 +180,7 @@ class Desktop : public QtHost {
     }
 
     bool Stand() const {
-        QDialog dialog(QApplication::activeWindow());
+        QDialog dialog(WindowInUse());
         QPushButton ok(QStringLiteral("OK"), &dialog);
         QObject::connect(&ok, &QPushButton::clicked, &dialog, &QDialog::accept);
         const bool agreed = dialog.exec() == QDialog::Accepted;

@@ -3,6 +3,7 @@
 #include "disc/image_files.h"
 #include "link/link_use.h"
 #include "platform/qt/application.h"
+#include "platform/qt/modal.h"
 #include "platform/qt/printing.h"
 #include "support/disc_builder.h"
 #include "support/main_window_test.h"
@@ -91,7 +92,7 @@ class HastyPerson : public UiHost {
 
     /// A dialog of the desktop: it belongs to the window in use, as the real ones do.
     void Stand(const char* name) {
-        QDialog dialog(QApplication::activeWindow());
+        QDialog dialog(WindowInUse());
         dialog.setObjectName(QLatin1StringView(name));
         dialog.setProperty(kOfTheDesktop, true);
         dialog.setWindowModality(Qt::ApplicationModal);
@@ -263,7 +264,10 @@ void Reentrancy::SetUp() {
         return std::vector<PortInfo>{{QStringLiteral("Cable"), QStringLiteral("/nowhere")}};
     });
     AnswerPrintDialogs();
-    static_cast<App*>(qApp)->Event_OpenDocument = [this](const auto& f) { window->OpenDisc(f); };
+    static_cast<App*>(qApp)->Event_OpenDocument = [this](const auto& f) {
+        if (window) // else it comes between two programs, having waited for a dialog of the first
+            window->OpenDisc(f);
+    };
 }
 
 void Reentrancy::AnswerPrintDialogs() {
@@ -584,6 +588,18 @@ TEST_P(Waits, WhateverIsDoneInsideTheProgramGoesOn) {
         EXPECT_TRUE(person.quitting || !EndsTheProgram(name, GetParam())) << "the program goes on";
     }
     QuitByMenu();
+}
+
+/// A box over a view that was closed during a transfer went with the view.
+TEST(WindowInUse, IsNoneThatHasJustBeenClosed) {
+    QWidget view;
+    view.show();
+    QApplication::setActiveWindow(&view);
+    EXPECT_EQ(WindowInUse(), &view);
+    view.close();
+    QApplication::setActiveWindow(&view); // as long as nobody has told Qt otherwise
+    EXPECT_EQ(WindowInUse(), nullptr);
+    QApplication::setActiveWindow(nullptr);
 }
 
 INSTANTIATE_TEST_SUITE_P(Reentrancy, Waits, testing::ValuesIn(kWaits), [](const auto& wait) {

@@ -3,9 +3,9 @@
 #include "platform/host.h"
 #include "platform/qt/byte_marks.h"
 #include "platform/qt/edit_field.h"
+#include "platform/qt/modal.h"
 #include "platform/qt/text.h"
 
-#include <QApplication>
 #include <QPageSetupDialog>
 #include <QPrintDialog>
 
@@ -16,11 +16,11 @@ namespace quoravel {
 namespace {
 
 bool AskPageSetup(QPrinter& printer) {
-    return QPageSetupDialog(&printer, QApplication::activeWindow()).exec() == QDialog::Accepted;
+    return QPageSetupDialog(&printer, WindowInUse()).exec() == QDialog::Accepted;
 }
 
 bool AskPrinter(QPrinter& printer) {
-    QPrintDialog dialog(&printer, QApplication::activeWindow());
+    QPrintDialog dialog(&printer, WindowInUse());
     dialog.setOption(QAbstractPrintDialog::PrintPageRange, false); // the pages are not known yet
     return dialog.exec() == QDialog::Accepted;
 }

@@ -1,6 +1,7 @@
 #include "platform/qt/qt_host.h"
 
 #include "platform/qt/guard.h"
+#include "platform/qt/modal.h"
 #include "platform/qt/sound_plugin.h"
 #include "platform/qt/text.h"
 
@@ -51,7 +52,7 @@ std::optional<fs::path> PathUnlessCancelled(const QString& text) {
 /// A box over the window in use. Plain text: a file name with a tag in it is shown as it is.
 int ShowBox(QMessageBox::Icon icon, QMessageBox::StandardButtons buttons, std::string_view text,
             std::string_view title) {
-    QMessageBox box(icon, HostText(title), HostText(text), buttons, QApplication::activeWindow());
+    QMessageBox box(icon, HostText(title), HostText(text), buttons, WindowInUse());
     if (title.empty())
         box.setWindowTitle(QStringLiteral("Quoravel"));
     box.setDefaultButton(QMessageBox::Yes); // of a question: nothing is lost by a hasty Enter
@@ -146,12 +147,11 @@ std::optional<fs::path> QtHost::Chosen(std::optional<fs::path> choice) {
 
 std::optional<fs::path> QtHost::AskOpenFile(const FileType& filter) {
     return Chosen(PathUnlessCancelled(QFileDialog::getOpenFileName(
-        QApplication::activeWindow(), {}, PathText(last_folder_), NameFilter(filter))));
+        WindowInUse(), {}, PathText(last_folder_), NameFilter(filter))));
 }
 
 std::optional<fs::path> QtHost::AskSaveFile(const FileType& filter, std::string_view proposal) {
-    QFileDialog dialog(QApplication::activeWindow(), {}, PathText(last_folder_),
-                       NameFilter(filter));
+    QFileDialog dialog(WindowInUse(), {}, PathText(last_folder_), NameFilter(filter));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setDefaultSuffix(FirstExtension(filter)); // asks about the file that it then names
     dialog.selectFile(HostText(proposal));
@@ -161,8 +161,8 @@ std::optional<fs::path> QtHost::AskSaveFile(const FileType& filter, std::string_
 
 std::optional<fs::path> QtHost::AskFolder() {
     const fs::path& start = last_chosen_folder_.empty() ? last_folder_ : last_chosen_folder_;
-    const auto folder = PathUnlessCancelled(
-        QFileDialog::getExistingDirectory(QApplication::activeWindow(), {}, PathText(start)));
+    const auto folder =
+        PathUnlessCancelled(QFileDialog::getExistingDirectory(WindowInUse(), {}, PathText(start)));
     UnwindIfQuitting();
     if (folder)
         last_chosen_folder_ = *folder;
