@@ -4,6 +4,7 @@
 #include "platform/qt/text.h"
 
 #include <QFileOpenEvent>
+#include <QIcon>
 #include <QTimer>
 
 namespace quoravel {
@@ -12,12 +13,20 @@ namespace {
 
 constexpr int kPatience = 100; // milliseconds between two looks whether a dialog still stands
 
+QIcon WindowIcon() {
+    QIcon icon;
+    for (const int size : {16, 32, 48})
+        icon.addFile(QStringLiteral(":/quoravel-%1.png").arg(size), {size, size});
+    return icon;
+}
+
 } // namespace
 
 App::App(int& argc, char** argv) : QApplication(argc, argv) {
     setApplicationName(QStringLiteral("Quoravel"));
     setApplicationVersion(QStringLiteral("2.0.0"));
     setDesktopFileName(QStringLiteral("quoravel"));
+    setWindowIcon(WindowIcon());
     setQuitOnLastWindowClosed(false); // the main window's close ends the program, nothing else does
 }
 
