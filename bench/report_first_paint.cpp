@@ -8,8 +8,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-// Linked into a program with a window, this prints the time of day in microseconds once the first
-// window has been painted, and ends the program there.
+// Loaded before a program with a window, this prints the time of day in microseconds once the first
+// window has been painted, and ends the program there. The program needs no hook for it.
 
 namespace {
 

@@ -1,0 +1,72 @@
+#!/usr/bin/env bash
+# performance.sh BUILD_FOLDER PAGE
+# Runs every benchmark of a build and writes the page: what was measured, each figure beside its
+# yardstick of the same run. A benchmark that fails leaves the page as it was.
+set -eu -o pipefail
+
+build=$(readlink -f "$1")
+page=$2
+here=$(dirname "$(readlink -f "$0")")
+repeat=(--benchmark_repetitions=9 --benchmark_min_time=0.2 --benchmark_enable_random_interleaving
+    --benchmark_report_aggregates_only)
+[ ! -d /dev/shm ] || export TMPDIR=/dev/shm # files in memory, so that no disc is measured
+
+offscreen() { QT_QPA_PLATFORM=offscreen "$@"; }
+
+# The sentences that hold a bound, as a list.
+sentences() { grep -E '\((at most|at least|under) ' | sed 's/^/- /'; }
+
+# The medians of what a benchmark processes, beside the least that is asked for.
+speeds() {
+    "$@" "${repeat[@]}" --benchmark_format=csv 2>/dev/null |
+        awk -F, '$1 ~ /_median"?$/ && $6 > 0 {
+            gsub(/"|_median/, "", $1)
+            printf "| %s | %.0f MB/s | %s |\n", $1, $6 / 1e6, ($1 ~ /WordWise/) ? 20 : 100 }'
+}
+
+new=$(mktemp)
+trap 'rm -f "$new"' EXIT
+
+cat >"$new" <<EOT
+# Performance
+
+Made by \`cmake --build --preset bench --target performance\`, which runs every benchmark and writes this
+page. Processor: $(sed -n 's/^model name[^:]*: //p' /proc/cpuinfo | head -n 1), $(nproc) cores. In
+brackets what is asked for. Ratios compare two things in one run, so they hold elsewhere, too.
+
+## Start
+
+$("$here/first_paint.sh" "$build/src/quoravel" "$build/bench/bare_window" \
+    "$build/bench/libreport_first_paint.so" | sentences)
+
+## Discs and files
+
+$("$build/bench/disc_bench" "${repeat[@]}" 2>/dev/null | sentences)
+$("$build/bench/bench_exchange" "${repeat[@]}" 2>/dev/null | sentences)
+$("$build/bench/bench_drive_listing" | sentences)
+
+## Views
+
+$(offscreen "$build/bench/bench_view_window" "${repeat[@]}" 2>/dev/null | sentences)
+$(offscreen "$build/bench/bench_wordwise_window" "${repeat[@]}" 2>/dev/null | sentences)
+
+What the renderers write without a window, and what the formatter reads:
+
+| | MB a second | at least |
+|---|---|---|
+$(speeds "$build/bench/view_bench")
+
+## The cable
+
+$(offscreen "$build/bench/bench_cable" | sentences)
+
+The codec of tracks alone, in bytes of packet; the number is the longest run in the track:
+
+| | MB a second | at least |
+|---|---|---|
+$(speeds "$build/bench/link_bench")
+
+Whole discs over the cable take the micro's time; [the companion's page](companion.md) has them.
+EOT
+mv "$new" "$page"
+chmod 644 "$page"
