@@ -100,12 +100,9 @@ std::optional<FileError> MakePrivateFolder(fs::path& folder) {
 }
 
 std::optional<fs::path> ShippedFile(std::string_view name) {
-    const fs::path folder = host().ProgramFolder();
     std::error_code error;
-    for (const fs::path& file : {folder / name, folder / "../share/quoravel" / name})
-        if (fs::exists(file, error))
-            return file;
-    return {};
+    fs::path file = host().ProgramFolder() / name;
+    return fs::exists(file, error) ? std::optional(std::move(file)) : std::nullopt;
 }
 
 std::string Utf8Of(const fs::path& path) {

@@ -40,8 +40,8 @@ ReadFile(const std::filesystem::path& file, std::size_t limit, std::vector<std::
 /// starts with "quoravel-".
 [[nodiscard]] std::optional<FileError> MakePrivateFolder(std::filesystem::path& folder);
 
-/// Where the file `name` that comes with the program lies: beside the executable, or in the data
-/// folder of an installed package (../share/quoravel). Nothing if it is in neither.
+/// Where the file `name` that comes with the program lies, beside the executable. Nothing if it is
+/// not there.
 [[nodiscard]] std::optional<std::filesystem::path> ShippedFile(std::string_view name);
 
 /// `path` in UTF-8, as FileName gives its last part.

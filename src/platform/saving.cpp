@@ -22,7 +22,8 @@ namespace fs = std::filesystem;
 using Bytes = std::span<const std::uint8_t>;
 
 constexpr mode_t kPermissions = 07777;
-constexpr mode_t kNewFile = 0666; // before the user's umask
+constexpr mode_t kEverybody = 0777; // without set-user-ID and its like
+constexpr mode_t kNewFile = 0666;   // before the user's umask
 
 /// The permissions that the replaced file had, or those that a new file gets.
 mode_t PermissionsFor(const std::optional<struct stat>& old) {
@@ -35,11 +36,15 @@ mode_t PermissionsFor(const std::optional<struct stat>& old) {
 
 /// Gives the new file the owner and the permissions of the old one as far as the system lets us.
 void TakeOver(int fd, const std::optional<struct stat>& old) {
-    // Somebody else's file in a folder that we may write becomes ours.
-    if (old && ::fchown(fd, old->st_uid, old->st_gid) != 0)
+    mode_t permissions = PermissionsFor(old);
+    // Somebody else's file in a folder that we may write becomes ours. What let programs run as
+    // somebody else must not let them run as us.
+    if (old && ::fchown(fd, old->st_uid, old->st_gid) != 0) {
         std::ignore = ::fchown(fd, static_cast<uid_t>(-1), old->st_gid);
+        permissions &= kEverybody;
+    }
     // A file system that knows no permissions is no reason to fail.
-    static_cast<void>(::fchmod(fd, PermissionsFor(old)));
+    static_cast<void>(::fchmod(fd, permissions));
 }
 
 /// A new file in a folder. It has no name until it is whole, so that a save that is killed leaves

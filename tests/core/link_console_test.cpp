@@ -95,16 +95,6 @@ TEST_F(BootstrapTest, WhatIsMissingIsTold) {
                        "Error Opening Serial Port"}));
 }
 
-TEST_F(BootstrapTest, AnInstalledProgramIsFoundInTheDataFolder) {
-    namespace fs = std::filesystem;
-    fs::create_directories(folder.path() / "bin");
-    fs::create_directories(folder.path() / "share" / "quoravel");
-    desktop.program_folder = folder.path() / "bin";
-    folder.File("share/quoravel/tavrilo.bas", "10CLS\n");
-    EXPECT_TRUE(SendBasicProgram(*this));
-    EXPECT_EQ(port.Sent().substr(0, dimmed_at), "10CLS\r");
-}
-
 class StarCommandTest : public LinkTest {
   protected:
     bool Command(std::string_view text) {
