@@ -13,7 +13,9 @@ if [ "${1-}" != inside ]; then
         { grep -v -E 'dbus-daemon|SpiRegistry|Openbox' "$home/log" >&2; exit 1; }
     exit
 fi
-openbox >/dev/null &
+# A window that comes before the window manager gets no focus.
+openbox --startup "touch $HOME/ready" >/dev/null &
 windows=$!
 trap 'kill $windows' EXIT
+until [ -e "$HOME/ready" ] || ! kill -0 $windows; do sleep 0.1; done
 /usr/bin/python3 "$here/access_test.py" "$2" "$HOME"
