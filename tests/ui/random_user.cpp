@@ -303,7 +303,7 @@ class Session {
         if (windows.empty())
             return;
         QWidget& window = *OneOf(windows);
-        if (!QApplication::activePopupWidget())
+        if (QApplication::activePopupWidget() == nullptr)
             QApplication::setActiveWindow(&window);
         switch (Below(12)) {
         case 0:

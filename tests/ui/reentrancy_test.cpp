@@ -361,8 +361,8 @@ void Reentrancy::Start() {
 
 /// The entries of a menu bar that are enabled once its menus have been opened.
 void AddItems(const QWidget& window, const std::string& name, Deeds& deeds) {
-    for (const QMenu* menu : window.findChildren<QMenu*>())
-        Q_EMIT const_cast<QMenu*>(menu)->aboutToShow();
+    for (QMenu* menu : window.findChildren<QMenu*>())
+        Q_EMIT menu->aboutToShow();
     for (QAction* item : window.findChildren<QAction*>())
         if (item->isEnabled() && !item->isSeparator() && item->menu() == nullptr &&
             !item->objectName().isEmpty())

@@ -41,10 +41,17 @@ bool App::event(QEvent* event) {
 
 /// A box or a dialog is answered first: what it asks is about the disc in memory.
 void App::OpenDocument(const std::filesystem::path& file) {
-    if (activeModalWidget() != nullptr)
-        QTimer::singleShot(kPatience, this, [this, file] { OpenDocument(file); });
-    else if (Event_OpenDocument)
+    if (activeModalWidget() != nullptr) {
+        auto* later = new QTimer(this);
+        later->setSingleShot(true);
+        Connect(later, &QTimer::timeout, this, [this, later, file] {
+            later->deleteLater();
+            OpenDocument(file);
+        });
+        later->start(kPatience);
+    } else if (Event_OpenDocument) {
         Guarded([&] { Event_OpenDocument(file); });
+    }
 }
 
 } // namespace quoravel
