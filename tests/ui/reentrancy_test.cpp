@@ -265,7 +265,9 @@ void Reentrancy::SetUp() {
     });
     AnswerPrintDialogs();
     static_cast<App*>(qApp)->Event_OpenDocument = [this](const auto& f) {
-        if (window) // else it comes between two programs, having waited for a dialog of the first
+        // One that waited for a dialog of an earlier program comes between two or in the next one,
+        // and its file has gone.
+        if (window && fs::exists(f))
             window->OpenDisc(f);
     };
 }
