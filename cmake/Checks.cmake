@@ -20,10 +20,11 @@ add_custom_target(format
 
 add_custom_target(check-layers COMMAND ${layer_check} ${PROJECT_SOURCE_DIR} VERBATIM)
 
-# All sources of the build but what Qt's moc writes. clang's own warnings are the compiler's business.
+# All sources of the build but what Qt's moc and rcc write. clang's own warnings are the compiler's
+# business.
 add_custom_target(check-tidy
     COMMAND ${PROJECT_SOURCE_DIR}/tools/tidy.sh -j ${cores} -extra-arg=-Wno-error
-            -p ${PROJECT_BINARY_DIR} "^(?!.*_autogen/).*/(src|tests)/.*[.]cpp$"
+            -p ${PROJECT_BINARY_DIR} "^(?!.*(_autogen|/[.]rcc)/).*/(src|tests)/.*[.]cpp$"
     WORKING_DIRECTORY ${PROJECT_SOURCE_DIR}
     COMMENT "Reading every source with clang-tidy, for some minutes" VERBATIM)
 
