@@ -2,6 +2,7 @@
 #include "platform/backup.h"
 #include "platform/files.h"
 #include "platform/saving.h"
+#include "platform/text.h"
 #include "support/disc_test.h"
 #include "support/host_faults.h"
 #include "support/temp_folder.h"
@@ -17,6 +18,7 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <tuple>
 #include <unistd.h>
 
 namespace quoravel {
@@ -36,10 +38,6 @@ struct stat StatusOf(const fs::path& file) {
 
 void SetMode(const fs::path& path, mode_t mode) {
     EXPECT_EQ(::chmod(path.c_str(), mode), 0) << path;
-}
-
-Bytes BytesOfText(std::string_view text) {
-    return {text.begin(), text.end()};
 }
 
 std::string ReasonOf(const std::optional<FileError>& error) {
@@ -80,37 +78,25 @@ TEST_F(Files, ReadingTakesUpToTheLimitFromAPlainFileAndRefusesTheRest) {
     ASSERT_EQ(::mkfifo((folder.path() / "pipe.ssd").c_str(), 0666), 0);
     SetMode(folder.File("secret.ssd", "x"), 0);
     folder.File("empty.ssd", "");
-    fs::resize_file(folder.File("huge.ssd", "big"), std::uintmax_t{10} << 30U);
-
-    struct Row {
-        const char* name;
-        std::size_t limit;
-        Bytes bytes;
-        const char* reason;
-    };
-
+    const fs::path huge = folder.File("huge.ssd", "big");
+    fs::resize_file(huge, std::uintmax_t{10} << 30U);
+    using Row = std::tuple<const char*, std::size_t, std::string, std::string>;
     const AsNobody permissions_count;
-    for (const Row& r :
-         {Row{"disc.dsd", 100, BytesOfText("old"), ""}, Row{"disc.dsd", 2, BytesOfText("ol"), ""},
-          Row{"link.ssd", 100, BytesOfText("old"), ""}, Row{"empty.ssd", 100, {}, ""},
-          Row{"huge.ssd", 3, BytesOfText("big"), ""},
-          Row{"none.ssd", 100, {}, "No such file or directory"},
-          Row{".", 100, {}, "Is a directory"}, Row{"zero.ssd", 100, {}, "Not a regular file"},
-          Row{"pipe.ssd", 100, {}, "Not a regular file"},
-          Row{"secret.ssd", 100, {}, "Permission denied"}}) {
-        SCOPED_TRACE(r.name);
-        const Bytes before = BytesOfText("before");
-        Bytes bytes = before;
-        EXPECT_EQ(ReasonOf(ReadFile(folder.path() / r.name, r.limit, bytes)), r.reason);
-        EXPECT_EQ(bytes, *r.reason != '\0' ? before : r.bytes);
+    for (const auto& [name, limit, text, reason] :
+         {Row{"disc.dsd", 2, "ol", ""}, Row{"link.ssd", 100, "old", ""},
+          Row{"empty.ssd", 100, "", ""}, Row{"huge.ssd", 3, "big", ""},
+          Row{"none.ssd", 100, "before", "No such file or directory"},
+          Row{".", 100, "before", "Is a directory"},
+          Row{"zero.ssd", 100, "before", "Not a regular file"},
+          Row{"pipe.ssd", 100, "before", "Not a regular file"},
+          Row{"secret.ssd", 100, "before", "Permission denied"}}) {
+        SCOPED_TRACE(name);
+        Bytes bytes{'b', 'e', 'f', 'o', 'r', 'e'};
+        EXPECT_EQ(ReasonOf(ReadFile(folder.path() / name, limit, bytes)), reason);
+        EXPECT_EQ(std::string(bytes.begin(), bytes.end()), text);
     }
-}
-
-TEST_F(Files, AnImageOfTenGigabytesLoadsItsFirstPart) {
-    fs::resize_file(file, std::uintmax_t{10} << 30U);
-    EXPECT_FALSE(LoadDisc_SSD(file));
-    EXPECT_FALSE(LoadDisc_DSD(file));
-    EXPECT_EQ(BlockText(0, 4), std::string("old\0", 4));
+    EXPECT_FALSE(LoadDisc_DSD(huge));
+    EXPECT_EQ(BlockText(0, 4), std::string("big\0", 4)) << "the first part of ten gigabytes";
 }
 
 TEST_F(Files, AFailedSaveLeavesTheOldFileWholeAndTheDiscChanged) {
@@ -122,15 +108,9 @@ TEST_F(Files, AFailedSaveLeavesTheOldFileWholeAndTheDiscChanged) {
 
     enum Closed { Nothing, File, Folder, FolderAndState };
 
-    struct Row {
-        const char* what;
-        const char* name;
-        Closed closed;
-        std::optional<rlim_t> room;
-        const char* reason;
-    };
-
-    for (const Row& r :
+    using Room = std::optional<rlim_t>;
+    using Row = std::tuple<const char*, const char*, Closed, Room, const char*>;
+    for (const auto& [what, name, closed, room, reason] :
          {Row{"folder gone", "none/disc.dsd", Nothing, {}, "No such file or directory"},
           Row{"a folder", "folder.dsd", Nothing, {}, "Is a directory"},
           Row{"a device", "full.dsd", Nothing, {}, "Not a regular file"},
@@ -143,17 +123,17 @@ TEST_F(Files, AFailedSaveLeavesTheOldFileWholeAndTheDiscChanged) {
           Row{"no place for the copy", "disc.dsd", FolderAndState, {}, "Permission denied"},
           Row{"no room for the copy", "disc.dsd", Folder, 2, "File too large"},
           Row{"closed folder, disc full", "disc.dsd", Folder, 100'000, "File too large"}}) {
-        SCOPED_TRACE(r.what);
-        SetMode(file, r.closed == File ? 0444 : 0666);
-        SetMode(folder.path(), r.closed >= Folder ? 0555 : 0777);
-        SetMode(state.path(), r.closed == FolderAndState ? 0555 : 0777);
+        SCOPED_TRACE(what);
+        SetMode(file, closed == File ? 0444 : 0666);
+        SetMode(folder.path(), closed >= Folder ? 0555 : 0777);
+        SetMode(state.path(), closed == FolderAndState ? 0555 : 0777);
         for (const bool dirty : {false, true}) {
             Module1::gDirty = dirty;
             const AsNobody permissions_count;
             std::optional<FullDisc> full;
-            if (r.room)
-                full.emplace(*r.room);
-            EXPECT_THAT(ReasonOf(SaveDisc_DSD(folder.path() / r.name)), HasSubstr(r.reason));
+            if (room)
+                full.emplace(*room);
+            EXPECT_THAT(ReasonOf(SaveDisc_DSD(folder.path() / name)), HasSubstr(reason));
             EXPECT_EQ(Module1::gDirty, dirty);
         }
         EXPECT_EQ(TextOf(file), "old");
@@ -203,11 +183,11 @@ TEST_F(Files, ASaveThatIsKilledAtAnyMomentLeavesTheOldFileOrTheNewOneWhole) {
 TEST_F(Files, ASaveKeepsThePermissions) {
     for (const mode_t mode : {0600U, 0640U, 0666U, 02755U}) {
         SetMode(file, mode);
-        ASSERT_FALSE(ReplaceFile(file, BytesOfText("new")));
+        ASSERT_FALSE(ReplaceFile(file, AsBytes("new")));
         EXPECT_EQ(StatusOf(file).st_mode & 07777U, mode);
     }
     const mode_t mask = ::umask(027);
-    ASSERT_FALSE(ReplaceFile(folder.path() / "fresh.dsd", BytesOfText("new")));
+    ASSERT_FALSE(ReplaceFile(folder.path() / "fresh.dsd", AsBytes("new")));
     ::umask(mask);
     EXPECT_EQ(StatusOf(folder.path() / "fresh.dsd").st_mode & 07777U, 0640U)
         << "a new file gets what the user's mask allows";
@@ -219,8 +199,8 @@ TEST_F(Files, ASaveFollowsSymbolicLinks) {
     fs::create_symlink("../disc.dsd", folder.path() / "sub" / "inner.dsd");
     fs::create_symlink(folder.path() / "sub" / "inner.dsd", folder.path() / "outer.dsd");
     fs::create_symlink("sub/fresh.dsd", folder.path() / "dangling.dsd");
-    ASSERT_FALSE(ReplaceFile(folder.path() / "outer.dsd", BytesOfText("new")));
-    ASSERT_FALSE(ReplaceFile(folder.path() / "dangling.dsd", BytesOfText("fresh")));
+    ASSERT_FALSE(ReplaceFile(folder.path() / "outer.dsd", AsBytes("new")));
+    ASSERT_FALSE(ReplaceFile(folder.path() / "dangling.dsd", AsBytes("fresh")));
     EXPECT_FALSE(fs::is_symlink(file));
     EXPECT_EQ(TextOf(file), "new");
     EXPECT_FALSE(fs::is_symlink(folder.path() / "sub" / "fresh.dsd"));
@@ -234,7 +214,7 @@ TEST_F(Files, InAClosedFolderTheFileIsWrittenInPlaceAfterACopyIsKept) {
     const auto inode = StatusOf(file).st_ino;
     for (const char* text : {"longer", "short", ""}) {
         const AsNobody permissions_count;
-        ASSERT_FALSE(ReplaceFile(file, BytesOfText(text)));
+        ASSERT_FALSE(ReplaceFile(file, AsBytes(text)));
         EXPECT_EQ(TextOf(file), text);
     }
     EXPECT_EQ(StatusOf(file).st_ino, inode);
@@ -243,7 +223,7 @@ TEST_F(Files, InAClosedFolderTheFileIsWrittenInPlaceAfterACopyIsKept) {
     EXPECT_EQ(TextOf(state.path() / "backup" / "disc-2.dsd"), "short");
     desktop.state_folder.reset();
     const AsNobody permissions_count;
-    EXPECT_TRUE(ReplaceFile(file, BytesOfText("new"))) << "no copy, no save";
+    EXPECT_TRUE(ReplaceFile(file, AsBytes("new"))) << "no copy, no save";
     EXPECT_EQ(TextOf(file), "");
 }
 
@@ -253,7 +233,7 @@ TEST_F(Files, SomebodyElsesFileInAFolderLikeTmpIsWrittenInPlace) {
     ASSERT_EQ(::chown(folder.path().c_str(), 0, 0), 0);
     SetMode(folder.path(), 01777);
     const AsNobody permissions_count;
-    EXPECT_EQ(ReasonOf(ReplaceFile(file, BytesOfText("new"))), "");
+    EXPECT_EQ(ReasonOf(ReplaceFile(file, AsBytes("new"))), "");
     EXPECT_EQ(TextOf(file), "new");
     EXPECT_EQ(StatusOf(file).st_uid, 0U);
     EXPECT_THAT(folder.Names(), ElementsAre("disc.dsd"));
@@ -273,20 +253,14 @@ TEST_F(Files, TheFirstSaveOverAnOpenedFileKeepsACopyByWhateverNameItIsSaved) {
     opened.Note(file);
     fs::remove(file);
     EXPECT_FALSE(opened.KeepCopyOf(file)) << "there is nothing to keep";
-}
-
-TEST_F(Files, OfWhatIsNoDiscImageNoGigabytesAreCopied) {
-    OpenedFiles opened;
-    opened.Note(file);
-    fs::resize_file(file, std::uintmax_t{10} << 30U);
+    fs::resize_file(folder.File("disc.dsd", "large"), std::uintmax_t{10} << 30U);
     EXPECT_EQ(ReasonOf(opened.KeepCopyOf(file)), "It is too large to be copied");
-    EXPECT_THAT(Copies(), ElementsAre());
 }
 
 TEST_F(Files, OfTheCopiesTheNewestFiftyStay) {
     std::set<std::string> kept;
     for (int i = 0; i < 52; ++i) {
-        ASSERT_FALSE(ReplaceFile(file, BytesOfText(std::to_string(i)), Flush::No));
+        static_cast<void>(folder.File("disc.dsd", std::to_string(i)));
         const auto copy = KeepCopy(file);
         ASSERT_TRUE(std::holds_alternative<fs::path>(copy));
         // The system's clock for files stands still for some milliseconds.

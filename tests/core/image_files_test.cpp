@@ -1,3 +1,5 @@
+#include "disc/catalogue.h"
+#include "disc/free_space.h"
 #include "disc/image_files.h"
 #include "support/disc_builder.h"
 #include "support/disc_test.h"
@@ -5,13 +7,14 @@
 
 #include <algorithm>
 #include <gmock/gmock.h>
+#include <tuple>
 
 namespace quoravel {
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
+using Regions = std::vector<std::pair<int, int>>;
 using testing::ElementsAre;
-using testing::IsEmpty;
 using testing::Pair;
 
 constexpr int kSide = 204800;
@@ -20,22 +23,25 @@ constexpr std::uint8_t kOldByte = 0xE5;
 
 class ImageFiles : public DiscTest {
   protected:
-    /// An image file in which no two sectors are alike, and neither are two drives or tracks.
-    [[nodiscard]] static Bytes Noise(std::size_t count) {
-        Bytes bytes(count);
-        std::uint32_t state = 1;
-        for (std::uint8_t& byte : bytes) {
-            state = state * 1664525 + 1013904223;
-            byte = static_cast<std::uint8_t>(state >> 24U);
-        }
-        return bytes;
-    }
-
     TempFolder folder;
 };
 
-/// Two blank plain drives of 80 tracks, as they stand in the block before a file comes in.
+/// An image file in which no two sectors are alike, and neither are two drives or tracks.
+Bytes Noise(int count) {
+    Bytes bytes(static_cast<std::size_t>(count));
+    std::uint32_t state = 1;
+    for (std::uint8_t& byte : bytes) {
+        state = state * 1664525 + 1013904223;
+        byte = static_cast<std::uint8_t>(state >> 24U);
+    }
+    return bytes;
+}
+
+/// Makes the block old and changed, and gives what it is to be before a file comes in: two blank
+/// plain drives of 80 tracks.
 Bytes BlankBlock() {
+    Module1::DiscImg.Fill(0, kDiscBytes, kOldByte);
+    Module1::gDirty = true;
     Bytes block(kDiscBytes);
     for (const std::size_t side : {0, kSide}) {
         block[side + 262] = 3;
@@ -45,86 +51,72 @@ Bytes BlankBlock() {
 }
 
 TEST_F(ImageFiles, TheNameTellsTheForm) {
-    struct Row {
-        const char* name;
-        std::optional<ImageForm> form;
-    };
-
-    for (const Row& r :
-         {Row{"games.dsd", ImageForm::Interleaved}, Row{"MY.DSD.OLD", ImageForm::Interleaved},
-          Row{"side.ssd.dsd", ImageForm::Interleaved}, Row{"a.img.Ssd", ImageForm::Linear},
-          Row{"DISC.IMG", ImageForm::Linear}, Row{"dsd", {}}, Row{"disc.adf", {}}, Row{"", {}}})
-        EXPECT_EQ(FormOfName(r.name), r.form) << r.name;
+    using Row = std::tuple<const char*, std::optional<ImageForm>>;
+    for (const auto& [name, form] :
+         {Row{"MY.DSD.OLD", ImageForm::Interleaved}, Row{"side.ssd.dsd", ImageForm::Interleaved},
+          Row{"a.img.Ssd", ImageForm::Linear}, Row{"DISC.IMG", ImageForm::Linear}, Row{"dsd", {}}})
+        EXPECT_EQ(FormOfName(name), form) << name;
 }
 
 TEST_F(ImageFiles, ABlankDriveHoldsOnlyItsSectorCountAndMarker) {
-    struct Row {
-        const char* what;
-        int drives, tracks;
-        bool watford;
-        std::uint8_t high, low;
-        int free;
-    };
-
-    for (const Row& r :
-         {Row{"80 tracks, two sides", 2, 80, false, 3, 32, 798},
-          Row{"80 tracks", 1, 80, false, 3, 32, 798}, Row{"40 tracks", 1, 40, false, 1, 144, 398},
-          Row{"80 tracks, two sides, Watford", 2, 80, true, 3, 32, 796},
-          Row{"80 tracks, Watford", 1, 80, true, 3, 32, 796},
-          Row{"40 tracks, Watford", 1, 40, true, 1, 144, 396}}) {
-        SCOPED_TRACE(r.what);
-        Module1::DiscImg.Fill(0, kDiscBytes, kOldByte);
-        Module1::gDirty = true;
-        Bytes expected(kDiscBytes, kOldByte);
-        for (int drive = 0; drive < r.drives; ++drive) {
-            NewDisc(drive, r.tracks, r.watford);
+    using Row = std::tuple<int, bool, std::uint8_t, std::uint8_t, int>;
+    for (const auto& [tracks, watford, high, low, free] :
+         {Row{80, false, 3, 32, 798}, Row{40, true, 1, 144, 396}})
+        for (const int drive : {0, 1}) {
+            SCOPED_TRACE(testing::Message() << tracks << " tracks, drive " << drive);
+            Bytes expected = BlankBlock();
+            std::ranges::fill(expected, kOldByte);
+            NewDisc(drive, tracks, watford);
             const auto start = expected.begin() + std::ptrdiff_t{drive} * kSide;
-            std::fill(start, start + std::ptrdiff_t{r.tracks} * kTrack, 0);
-            start[262] = r.high;
-            start[263] = r.low;
-            if (r.watford) {
+            std::fill(start, start + std::ptrdiff_t{tracks} * kTrack, 0);
+            start[262] = high;
+            start[263] = low;
+            if (watford) {
                 std::fill(start + 512, start + 520, 0xAA);
-                start[774] = r.high;
-                start[775] = r.low;
+                start[774] = high;
+                start[775] = low;
             }
-            EXPECT_THAT(FreeRegions(drive), ElementsAre(Pair(r.watford ? 4 : 2, r.free)));
+            EXPECT_EQ(BlockBytes(), expected) << "what lies behind 40 tracks stays";
+            EXPECT_THAT(FreeRegions(drive), ElementsAre(Pair(watford ? 4 : 2, free)));
+            EXPECT_FALSE(Module1::gDirty);
         }
-        EXPECT_EQ(BlockBytes(), expected) << "what lies behind 40 tracks stays";
-        EXPECT_FALSE(Module1::gDirty);
-    }
 }
 
 TEST_F(ImageFiles, ALinearFileOfAnyLengthFillsDriveZeroFromTheFront) {
-    for (const std::size_t length : {0, 1, 300, kSide - 1, kSide, kSide + 1, 2 * kSide}) {
+    for (const int length : {0, 1, 300, kSide - 1, kSide, 2 * kSide}) {
         SCOPED_TRACE(length);
         const Bytes file = Noise(length);
-        Module1::DiscImg.Fill(0, kDiscBytes, kOldByte);
-        Module1::gDirty = true;
-        ASSERT_FALSE(LoadDisc_SSD(folder.File("disc.ssd", file)));
         Bytes expected = BlankBlock();
-        std::copy_n(file.begin(), std::min<std::size_t>(length, kSide), expected.begin());
+        ASSERT_FALSE(LoadDisc_SSD(folder.File("disc.ssd", file)));
+        std::copy_n(file.begin(), std::min(length, kSide), expected.begin());
         EXPECT_EQ(BlockBytes(), expected);
         EXPECT_FALSE(Module1::gDirty);
     }
 }
 
-TEST_F(ImageFiles, AnInterleavedFileOfAnyLengthGoesInByWholeSectors) {
+TEST_F(ImageFiles, AnInterleavedFileOfAnyLengthGoesInByWholeSectorsAndComesOutInFull) {
     constexpr int kFull = 2 * kSide;
     for (const int length :
-         {0, 255, 1000, kTrack, 3 * kTrack + 513, kSide, kFull - 1, kFull, kFull + kTrack}) {
+         {0, 255, kTrack, 3 * kTrack + 513, kSide, kFull - 1, kFull, kFull + kTrack}) {
         SCOPED_TRACE(length);
-        const Bytes file = Noise(static_cast<std::size_t>(length));
-        Module1::DiscImg.Fill(0, kDiscBytes, kOldByte);
-        Module1::gDirty = true;
-        ASSERT_FALSE(LoadDisc_DSD(folder.File("disc.dsd", file)));
+        const Bytes file = Noise(length);
         Bytes expected = BlankBlock();
-        for (int sector = 0; sector < std::min(length / 256, 1600); ++sector) {
+        ASSERT_FALSE(LoadDisc_DSD(folder.File("disc.dsd", file)));
+        const int sectors = std::min(length / 256, 1600);
+        for (int sector = 0; sector < sectors; ++sector) {
             const int track = sector / 10;
             const int to = track % 2 * kSide + track / 2 * kTrack + sector % 10 * 256;
             std::copy_n(file.begin() + std::ptrdiff_t{sector} * 256, 256, expected.begin() + to);
         }
         EXPECT_EQ(BlockBytes(), expected);
         EXPECT_FALSE(Module1::gDirty);
+        Module1::gDirty = true;
+        ASSERT_FALSE(SaveDisc_DSD(folder.path() / "saved.dsd"));
+        EXPECT_FALSE(Module1::gDirty);
+        const Bytes saved = BytesOf(folder.path() / "saved.dsd");
+        EXPECT_EQ(saved.size(), 409600U);
+        EXPECT_TRUE(
+            std::equal(file.begin(), file.begin() + std::ptrdiff_t{sectors} * 256, saved.begin()));
     }
 }
 
@@ -138,7 +130,7 @@ TEST_F(ImageFiles, LoadingRebuildsTheFreeSpaceOfBothDrives) {
     side.insert(side.begin(), kTrack, 0);
     side.resize(side.size() + kTrack);
     ASSERT_FALSE(LoadDisc_DSD(folder.File("a.dsd", side)));
-    EXPECT_THAT(FreeRegions(0), IsEmpty()) << "its catalogue claims no sectors";
+    EXPECT_THAT(FreeRegions(0), ElementsAre()) << "its catalogue claims no sectors";
     EXPECT_THAT(FreeRegions(1), ElementsAre(Pair(2, 398)));
 }
 
@@ -155,54 +147,23 @@ TEST_F(ImageFiles, AFailedLoadChangesNothing) {
     EXPECT_TRUE(Module1::gDirty);
 }
 
-TEST_F(ImageFiles, AnInterleavedFileHoldsTheTracksOfBothSidesInTurn) {
-    Module1::DiscImg.Write(0, Noise(kDiscBytes));
-    Module1::gDirty = true;
-    const auto file = folder.path() / "disc.dsd";
-    ASSERT_FALSE(SaveDisc_DSD(file));
-    EXPECT_FALSE(Module1::gDirty);
-    const Bytes saved = BytesOf(file);
-    ASSERT_EQ(saved.size(), 409600U);
-    for (const int track : {0, 1, 40, 79})
-        for (const int side : {0, 1}) {
-            const auto begin = saved.begin() + std::ptrdiff_t{2 * track + side} * kTrack;
-            EXPECT_EQ(Bytes(begin, begin + kTrack),
-                      BlockBytes(side * kSide + track * kTrack, kTrack));
-        }
-    const Bytes block = BlockBytes();
-    ASSERT_FALSE(LoadDisc_DSD(file));
-    EXPECT_EQ(BlockBytes(), block);
-}
-
-TEST_F(ImageFiles, AFileOf40TracksSavesBackWithFullLength) {
-    const Bytes file = Noise(kSide);
-    ASSERT_FALSE(LoadDisc_DSD(folder.File("short.dsd", file)));
-    ASSERT_FALSE(SaveDisc_DSD(folder.path() / "full.dsd"));
-    const Bytes saved = BytesOf(folder.path() / "full.dsd");
-    EXPECT_EQ(saved.size(), 409600U);
-    EXPECT_TRUE(std::ranges::equal(file, std::span(saved).first(file.size())));
-}
-
 TEST_F(ImageFiles, ALinearFileEndsBehindTheHighestUsedSector) {
-    struct Row {
-        const char* what;
-        bool watford;
-        int sectors;
-        Entry entry;
-        int length;
-    };
-
-    for (const Row& r : {Row{"blank", false, 800, At(0, 0), 512},
-                         Row{"blank, 40 tracks", false, 400, At(0, 0), 512},
-                         Row{"blank Watford", true, 800, At(0, 0), 1024},
-                         Row{"no sectors", false, 0, At(0, 0), 256},
-                         Row{"one file", false, 800, At(9, 257), 11 * 256},
-                         Row{"to the end", false, 800, At(799, 1), kSide}}) {
-        SCOPED_TRACE(r.what);
-        DiscBuilder(0, r.watford, r.sectors).File(r.entry);
+    using Row = std::tuple<const char*, bool, int, Entry, int>;
+    for (const auto& [what, watford, sectors, entry, used] :
+         {Row{"only the catalogue", false, 800, At(0, 0), 2},
+          Row{"only two catalogues", true, 800, At(0, 0), 4},
+          Row{"no sectors at all", false, 0, At(0, 0), 1},
+          Row{"one byte more than a sector", false, 800, At(9, 257), 11},
+          Row{"no bytes take a sector", false, 800, At(9, 0), 10},
+          Row{"to the end", false, 800, At(799, 1), 800},
+          Row{"cut at the sector count", false, 400, At(395, 2560), 400},
+          Row{"beyond the sector count", false, 400, At(500, 9), 2},
+          Row{"a length that reads as FF", false, 800, At(9, 0x30000), 800}}) {
+        SCOPED_TRACE(what);
+        DiscBuilder(0, watford, sectors).File(entry);
         Module1::gDirty = true;
         ASSERT_FALSE(SaveDisc_SSD(folder.path() / "disc.ssd"));
-        EXPECT_EQ(BytesOf(folder.path() / "disc.ssd"), BlockBytes(0, r.length));
+        EXPECT_EQ(BytesOf(folder.path() / "disc.ssd"), BlockBytes(0, used * 256));
         EXPECT_FALSE(Module1::gDirty);
     }
 }
@@ -213,6 +174,70 @@ TEST_F(ImageFiles, MeantALinearFileTakesItsLengthFromTheCurrentDriveAndItsBytesF
     Module1::cur_drive = 1;
     ASSERT_FALSE(SaveDisc_SSD(folder.path() / "disc.ssd"));
     EXPECT_EQ(BytesOf(folder.path() / "disc.ssd"), BlockBytes(0, 6 * 256));
+}
+
+// Discs written by the genuine system of a BBC Micro.
+TEST_F(ImageFiles, RealDiscsSaveBackAsTheyWere) {
+    const auto discs = std::filesystem::path(TEST_DATA "/discs");
+    ASSERT_FALSE(LoadDisc_DSD(discs / "demo-dual.dsd"));
+    ASSERT_FALSE(SaveDisc_DSD(folder.path() / "saved"));
+    EXPECT_TRUE(BytesOf(folder.path() / "saved") == BytesOf(discs / "demo-dual.dsd"));
+    // A linear file is cut behind its last used sector.
+    for (const char* image : {"demo-basic.ssd", "demo-text.ssd", "demo-cat.ssd", "demo-gaps.ssd"}) {
+        ASSERT_FALSE(LoadDisc_SSD(discs / image));
+        auto original = BytesOf(discs / image);
+        original.resize(static_cast<std::size_t>(GetSectorsUsed(0) + 1) * 256);
+        ASSERT_FALSE(SaveDisc_SSD(folder.path() / "saved"));
+        EXPECT_TRUE(BytesOf(folder.path() / "saved") == original) << image;
+    }
+}
+
+// --- Free space.
+
+using FreeSpace = ImageFiles;
+
+TEST_F(FreeSpace, RegionsLieBetweenTheFiles) {
+    using Row = std::tuple<const char*, int, std::vector<Entry>, Regions>;
+    const std::vector<Row> rows{
+        {"no sectors", 0, {}, {}},
+        {"catalogue only", 2, {}, {}},
+        {"order does not matter", 800, {At(2, 1024), At(10, 512)}, {{6, 4}, {12, 788}}},
+        {"no bytes take a sector", 800, {At(5, 0)}, {{2, 3}, {6, 794}}},
+        {"overlap", 800, {At(4, 1024), At(2, 1024)}, {{8, 792}}},
+        {"up to the last sector", 400, {At(399, 256)}, {{2, 397}}},
+        {"beyond the sector count", 400, {At(400, 256)}, {{2, 398}}},
+        {"beyond the store", 800, {At(1023, 256)}, {{2, 798}}},
+        {"in the catalogue", 800, {At(0, 256)}, {{2, 798}}},
+        // Meant: such a length reads as some 16 million.
+        {"a length above 196607", 800, {At(6, 0x30000)}, {{2, 4}}}};
+    for (const auto& [what, sectors, files, regions] : rows) {
+        SCOPED_TRACE(what);
+        DiscBuilder disc(1, false, sectors);
+        for (const Entry& file : files)
+            disc.File(file);
+        GetFreeSpaceMap(1);
+        EXPECT_EQ(FreeRegions(1), regions);
+    }
+}
+
+TEST_F(FreeSpace, AFileInEveryOtherSectorGivesARegionEach) {
+    DiscBuilder disc(0, DiscBuilder::kWatford);
+    for (int i = 0; i < 31; ++i) {
+        disc.File(At(5 + 2 * i, 1));
+        disc.SecondFile(At(67 + 2 * i, 1));
+    }
+    GetFreeSpaceMap(0);
+    EXPECT_EQ(FreeRegions(0).size(), 63U);
+    EXPECT_EQ(FreeSectors(0), 800 - 4 - 62);
+}
+
+TEST_F(FreeSpace, MeantTheStatusLineTellsFilesOfNowAndTheFreeBytesOfTheLastRebuild) {
+    NewDisc(1, 80, true);
+    ShowFree(1);
+    EXPECT_EQ(status_lines[1], "Drive 1 : 0 files(s), 203776 Bytes Free, 1024 Bytes Used");
+    DiscBuilder(1, false, 10).Fill(1);
+    ShowFree(1);
+    EXPECT_EQ(status_lines[1], "Drive 1 : 1 files(s), 203776 Bytes Free, -201216 Bytes Used");
 }
 
 } // namespace

@@ -31,16 +31,13 @@ class LinkSoak : public LinkTest {
     void Damage(std::string& bytes) {
         const auto at = static_cast<std::ptrdiff_t>(random() % bytes.size());
         ++faults;
-        switch (random() % 3) {
-        case 0:
+        const auto kind = random() % 3;
+        if (kind == 0)
             bytes.erase(bytes.begin() + at);
-            break;
-        case 1:
-            bytes.insert(bytes.begin() + at, bytes.at(static_cast<std::size_t>(at)));
-            break;
-        default:
-            bytes.at(static_cast<std::size_t>(at)) ^= 32;
-        }
+        else if (kind == 1)
+            bytes.insert(bytes.begin() + at, bytes[static_cast<std::size_t>(at)]);
+        else
+            bytes[static_cast<std::size_t>(at)] ^= 32;
     }
 
     /// What goes over the line with a check suffers; a message that bears none would be obeyed as

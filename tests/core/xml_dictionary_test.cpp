@@ -2,10 +2,11 @@
 #include "prefs/xml_tree.h"
 #include "support/scripted_host.h"
 #include "support/temp_folder.h"
-#include "support/xml_values.h"
 
 #include <cstdlib>
 #include <gmock/gmock.h>
+#include <initializer_list>
+#include <sstream>
 #include <tuple>
 
 namespace quoravel {
@@ -16,53 +17,62 @@ using namespace std::chrono_literals;
 using namespace std::string_literals;
 using testing::HasSubstr;
 
-const std::string kDeclaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
-const std::string kXmldictDoctype = "<!DOCTYPE xmldict PUBLIC \"-//Velmarsh//DTD XMLDICT 1.1//EN\" "
-                                    "\"http://velmarsh.example/DTDs/XMLDictionary-1.1.dtd\">\n";
-const std::string kPlistDoctype = "<!DOCTYPE plist PUBLIC \"-//Apple Computer//DTD PLIST 1.0//EN\" "
-                                  "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n";
+/// What loading `text` into an empty dictionary gives, nothing if it is refused.
+DictionaryRef Loaded(const std::string& text) {
+    auto dict = std::make_shared<Dictionary>();
+    return LoadXML(dict, std::string_view(text)) ? dict : nullptr;
+}
 
-class XmlDictionary : public testing::Test {
-  protected:
-    /// The entries of an xmldict document, without what is the same in all of them.
-    static std::string Entries(const DictionaryRef& dict) {
-        const std::string text = ExportXMLString(dict, false);
-        const std::size_t begin = text.find("\n\t");
-        return begin == std::string::npos ? "" : text.substr(begin, text.rfind("\n</") - begin);
-    }
+DictionaryRef DictionaryOf(std::initializer_list<std::pair<const char*, Value>> entries) {
+    auto dict = std::make_shared<Dictionary>();
+    for (const auto& [key, value] : entries)
+        dict->Set(key, value);
+    return dict;
+}
 
-    /// The entries that come back for those in an xmldict document.
-    static std::string Again(const std::string& entries) {
-        const auto dict = Loaded("<xmldict version='1.1'>" + entries + "</xmldict>");
-        return dict ? Entries(dict) : "refused";
-    }
-
-    ScriptedHost host_;
-};
+CollectionRef CollectionOf(std::initializer_list<Value> items) {
+    auto collection = std::make_shared<Collection>();
+    for (const Value& item : items)
+        collection->Add(item);
+    return collection;
+}
 
 MemoryBlockRef Block(std::size_t size) {
     return std::make_shared<MemoryBlock>(MemoryBlock{std::vector<std::uint8_t>(size, 0xFF)});
 }
 
-/// One of each type.
-DictionaryRef EveryType() {
-    return DictionaryOf({{"nil", Value()},
-                         {"integer", -12},
-                         {"real", 1.0},
-                         {"date", Date(std::chrono::sys_days(2001y / 9 / 9) + 1h + 46min + 40s)},
-                         {"string", "a < b"s},
-                         {"dict", DictionaryOf({{"inner", 1}})},
-                         {"data", Block(34)},
-                         {"array", CollectionOf({true, CollectionOf({"deep"s})})},
-                         {"file", std::filesystem::path("/tmp/x")},
-                         {"object", OtherObject()},
-                         {"false", false},
-                         {"color", Colour{0xFF80}}});
-}
+class XmlDictionary : public testing::Test {
+  protected:
+    /// The entries of an xmldict document, without what is the same in all of them.
+    static std::string Entries(const DictionaryRef& dict) {
+        const std::string text = dict ? ExportXMLString(dict, false) : "refused";
+        const std::size_t begin = text.find("\n\t");
+        return begin == std::string::npos ? "" : text.substr(begin, text.rfind("\n</") - begin);
+    }
+
+    /// One of each type.
+    const DictionaryRef every_type =
+        DictionaryOf({{"nil", Value()},
+                      {"integer", -12},
+                      {"real", 1.0},
+                      {"date", Date(std::chrono::sys_days(2001y / 9 / 9) + 1h + 46min + 40s)},
+                      {"string", "a < b"s},
+                      {"dict", DictionaryOf({{"inner", 1}})},
+                      {"data", Block(34)},
+                      {"array", CollectionOf({true, CollectionOf({"deep"s}), Colour{1}})},
+                      {"file", std::filesystem::path("/tmp/x")},
+                      {"object", OtherObject()},
+                      {"empty", Block(0)},
+                      {"color", Colour{0xFF80}}});
+    ScriptedHost host;
+};
 
 TEST_F(XmlDictionary, TheOwnFormOfEveryType) {
-    EXPECT_EQ(ExportXMLString(EveryType(), false),
-              kDeclaration + kXmldictDoctype + R"(<xmldict version="1.1">
+    EXPECT_EQ(ExportXMLString(every_type, false), R"(<?xml version="1.0" encoding="UTF-8"?>
+<!DOCTYPE xmldict PUBLIC "-//Velmarsh//DTD XMLDICT 1.1//EN" )"
+                                                  R"("http://velmarsh.example/DTDs/)"
+                                                  R"(XMLDictionary-1.1.dtd">
+<xmldict version="1.1">
 	<key>nil</key>
 	<null/>
 	<key>integer</key>
@@ -89,6 +99,7 @@ TEST_F(XmlDictionary, TheOwnFormOfEveryType) {
 		<array>
 			<string>deep</string>
 		</array>
+		<color>#1</color>
 	</array>
 	<key>file</key>
 	<file>
@@ -96,8 +107,9 @@ TEST_F(XmlDictionary, TheOwnFormOfEveryType) {
 	</file>
 	<key>object</key>
 	<null/>
-	<key>false</key>
-	<false/>
+	<key>empty</key>
+	<data>
+	</data>
 	<key>color</key>
 	<color>#FF80</color>
 </xmldict>
@@ -105,24 +117,21 @@ TEST_F(XmlDictionary, TheOwnFormOfEveryType) {
 }
 
 TEST_F(XmlDictionary, APropertyListSaysFalseForWhatItDoesNotKnow) {
-    const auto dict =
-        DictionaryOf({{"nil", Value()},
-                      {"date", Date()},
-                      {"data", Block(0)},
-                      {"lists", CollectionOf({std::filesystem::path("/x"), Colour{1}})},
-                      {"object", OtherObject()}});
-    EXPECT_EQ(ExportXMLString(dict, true), kDeclaration + kPlistDoctype + R"(<plist version="1.0">
+    const auto dict = DictionaryOf({{"nil", Value()},
+                                    {"date", Date()},
+                                    {"lists", CollectionOf({std::filesystem::path("/x")})},
+                                    {"object", OtherObject()}});
+    EXPECT_EQ(ExportXMLString(dict, true), R"(<?xml version="1.0" encoding="UTF-8"?>
+<!DOCTYPE plist PUBLIC "-//Apple Computer//DTD PLIST 1.0//EN" )"
+                                           R"("http://www.apple.com/DTDs/PropertyList-1.0.dtd">
+<plist version="1.0">
 <dict>
 	<key>nil</key>
 	<false/>
 	<key>date</key>
 	<date>1970-01-01T00:00:00Z</date>
-	<key>data</key>
-	<data>
-	</data>
 	<key>lists</key>
 	<array>
-		<false/>
 		<false/>
 	</array>
 	<key>object</key>
@@ -133,18 +142,15 @@ TEST_F(XmlDictionary, APropertyListSaysFalseForWhatItDoesNotKnow) {
 }
 
 TEST_F(XmlDictionary, EveryTypeComesBack) {
-    const auto dict = EveryType();
-    const auto own = Loaded(ExportXMLString(dict, false));
+    const auto own = Loaded(ExportXMLString(every_type, false));
     ASSERT_TRUE(own);
-    for (const char* key : {"nil", "integer", "real", "date", "string", "file", "false", "color"})
-        EXPECT_EQ(StorageByKey(own, key), StorageByKey(dict, key)) << key;
-    EXPECT_EQ(ExportXMLString(own, false), ExportXMLString(dict, false));
-
-    const auto plist = Loaded(ExportXMLString(dict, true));
+    for (const char* key : {"nil", "integer", "real", "date", "string", "file", "color"})
+        EXPECT_EQ(StorageByKey(own, key), StorageByKey(every_type, key)) << key;
+    EXPECT_EQ(ExportXMLString(own, false), ExportXMLString(every_type, false));
+    const auto plist = Loaded(ExportXMLString(every_type, true));
     ASSERT_TRUE(plist);
-    EXPECT_EQ(StorageByKey(plist, "nil"), Value(false));
     EXPECT_EQ(std::get<MemoryBlockRef>(StorageByKey(plist, "data"))->bytes, Block(34)->bytes);
-    EXPECT_EQ(ExportXMLString(plist, true), ExportXMLString(dict, true));
+    EXPECT_EQ(ExportXMLString(plist, true), ExportXMLString(every_type, true));
     EXPECT_FALSE(LoadXML(plist, XmlDocument()));
 }
 
@@ -152,26 +158,19 @@ TEST_F(XmlDictionary, OtherReadersTakeThePropertyList) {
     ASSERT_EQ(std::system("command -v plistutil >/dev/null"), 0)
         << "this test needs plistutil (Debian package libplist-utils)";
     const TempFolder folder;
-    const auto dict = EveryType();
-    dict->Set("empty", Block(0));
-    dict->Set("nothing", std::make_shared<Dictionary>());
-    dict->Set("ends", "a\rb"s);
-    ASSERT_TRUE(SaveXML(dict, folder.path() / "ours", true));
+    every_type->Set("ends", "a\rb"s);
+    ASSERT_TRUE(SaveXML(every_type, folder.path() / "ours", true));
     const std::string command = "cd " + folder.path().string() +
                                 " && plistutil -i ours -o binary -f bin"
                                 " && plistutil -i binary -o theirs -f xml";
     ASSERT_EQ(std::system(command.c_str()), 0);
-    const std::string binary = TextOf(folder.path() / "binary");
-    EXPECT_EQ(binary.substr(0, 6), "bplist");
-    EXPECT_THAT(binary, HasSubstr("a\rb"));
-
+    EXPECT_THAT(TextOf(folder.path() / "binary"), HasSubstr("a\rb"));
     const auto theirs = std::make_shared<Dictionary>();
     ASSERT_TRUE(LoadXML(theirs, folder.path() / "theirs"));
-    EXPECT_EQ(StorageCount(theirs), StorageCount(dict));
-    for (const char* key : {"integer", "real", "date", "string", "false"})
-        EXPECT_EQ(StorageByKey(theirs, key), StorageByKey(dict, key)) << key;
-    EXPECT_EQ(std::get<MemoryBlockRef>(StorageByKey(theirs, "data"))->bytes, Block(34)->bytes);
-    EXPECT_EQ(StorageCount(StorageByKey(theirs, "array")), 2U);
+    EXPECT_EQ(StorageCount(theirs), StorageCount(every_type));
+    for (const char* key : {"integer", "real", "date", "string"})
+        EXPECT_EQ(StorageByKey(theirs, key), StorageByKey(every_type, key)) << key;
+    EXPECT_EQ(StorageCount(StorageByKey(theirs, "array")), 3U);
 }
 
 TEST_F(XmlDictionary, ADictionaryThatHoldsItselfIsWrittenOnce) {
@@ -180,7 +179,6 @@ TEST_F(XmlDictionary, ADictionaryThatHoldsItselfIsWrittenOnce) {
     EXPECT_EQ(Entries(ring), "\n\t<key>a</key>\n\t<integer>1</integer>"
                              "\n\t<key>me</key>\n\t<dict>\n\t</dict>");
     ring->Set("me", Value()); // or it is never freed
-
     const auto shared = CollectionOf({1});
     EXPECT_EQ(Entries(DictionaryOf({{"a", shared}, {"b", shared}})),
               "\n\t<key>a</key>\n\t<array>\n\t\t<integer>1</integer>\n\t</array>"
@@ -191,7 +189,6 @@ TEST_F(XmlDictionary, ElementsAreReadByNameWithoutRegardToCase) {
     using Row = std::tuple<const char*, Value>;
     const Row rows[] = {
         {"<INTEGER> 12.9 apples</INTEGER>", 12},
-        {"<integer>-3e9</integer>", INT32_MIN},
         {"<Real>.25</Real>", 0.25},
         {"<string>a<![CDATA[<b>]]>&#99;</string>", "a<b>c"s},
         {"<string>a<b x='&amp;'>c</b><!-- d --><?e f?></string>",
@@ -199,7 +196,6 @@ TEST_F(XmlDictionary, ElementsAreReadByNameWithoutRegardToCase) {
         {"<string> \n </string>", " \n "s},
         {"<date>yesterday</date>", Value()},
         {"<False>yes</False>", false},
-        {"<color>#1aB</color>", Colour{0x1AB}},
     };
     for (const auto& [element, value] : rows) {
         SCOPED_TRACE(element);
@@ -211,15 +207,14 @@ TEST_F(XmlDictionary, ElementsAreReadByNameWithoutRegardToCase) {
 }
 
 TEST_F(XmlDictionary, AValueNeedsItsKeyRightInFront) {
-    const std::string b = "\n\t<key>b</key>\n\t<integer>2</integer>";
-    const char* const good = "<key>b</key> text <!-- c --> <integer>2</integer>";
+    const char* const good = "<key>b</key> text <!-- c --> <integer>2</integer></xmldict>";
     for (const std::string bad :
          {"<integer>1</integer>", "<key>a</key><key>stray</key><integer>1</integer>",
           "<key>a</key><unknown>1</unknown><integer>1</integer>"})
-        EXPECT_EQ(Again(bad + good), b) << bad;
-    EXPECT_EQ(Again("<key>a</key>"s), "");
-    EXPECT_EQ(Again("<key>b</key><array><integer>1</integer><key>in</key></array>"),
-              "\n\t<key>b</key>\n\t<array>\n\t\t<integer>1</integer>\n\t</array>");
+        EXPECT_EQ(Entries(Loaded("<xmldict>" + bad + good)),
+                  "\n\t<key>b</key>\n\t<integer>2</integer>")
+            << bad;
+    EXPECT_EQ(Entries(Loaded("<xmldict><key>a</key></xmldict>")), "");
 }
 
 TEST_F(XmlDictionary, LoadingMergesDictionariesAndReplacesTheRest) {
@@ -241,61 +236,48 @@ TEST_F(XmlDictionary, LoadingMergesDictionariesAndReplacesTheRest) {
 }
 
 TEST_F(XmlDictionary, RootAndVersionDecide) {
-    using Row = std::tuple<const char*, bool>;
-    const Row rows[] = {
-        {"<xmldict version='1.1'/>", true},
-        {"<xmldict/>", true},
-        {"<xmldict version='1.2'/>", false},
-        {"<anything version='1.1 beta'/>", true},
-        {"<anything version='2'/>", false},
-        {"<plist version='1.0'><dict/></plist>", true},
-        {"<plist> x <!-- y --> <dict/><array/></plist>", true},
-        {"<plist version='1.1'><dict/></plist>", false},
-        {"<plist/>", false},
-        {"<plist><array/><dict/></plist>", false},
-    };
-    for (const auto& [text, taken] : rows) {
-        SCOPED_TRACE(text);
-        EXPECT_EQ(Loaded(text) != nullptr, taken);
-    }
+    for (const char* text :
+         {"<xmldict/>", "<anything version='1.1 beta'/>", "<plist version='1.0'><dict/></plist>",
+          "<plist> x <!-- y --> <dict/><array/></plist>"})
+        EXPECT_TRUE(Loaded(text)) << text;
+    for (const char* text :
+         {"<xmldict version='1.2'/>", "<anything version='2'/>", "<plist/>",
+          "<plist version='1.1'><dict/></plist>", "<plist><array/><dict/></plist>"})
+        EXPECT_FALSE(Loaded(text)) << text;
 }
 
 TEST_F(XmlDictionary, OtherEncodingsAreRead) {
-    const auto latin = Loaded("<?xml version='1.0' encoding='ISO-8859-1'?>"
-                              "<x><key>k</key><string>\xFC</string></x>");
-    ASSERT_TRUE(latin);
-    EXPECT_EQ(StorageByKey(latin, "k"), Value("\xC3\xBC"s));
-    const auto marked = Loaded("\xEF\xBB\xBF<x><key>k</key><true/></x>");
-    ASSERT_TRUE(marked);
-    EXPECT_EQ(StorageByKey(marked, "k"), Value(true));
+    for (const char* text : {"<?xml version='1.0' encoding='ISO-8859-1'?>"
+                             "<x><key>k</key><string>\xFC</string></x>",
+                             "\xEF\xBB\xBF<x><key>k</key><string>\xC3\xBC</string></x>"}) {
+        const auto dict = Loaded(text);
+        ASSERT_TRUE(dict);
+        EXPECT_EQ(StorageByKey(dict, "k"), Value("\xC3\xBC"s));
+    }
 }
 
 TEST_F(XmlDictionary, SavingReplacesTheFileOnlyIfItHoldsSomethingElse) {
     const TempFolder folder;
-    const auto file = folder.path() / "file";
+    const auto file = folder.File("file", "old");
     const auto dict = DictionaryOf({{"a", 1}});
     ASSERT_TRUE(SaveXML(dict, file, false));
-    EXPECT_EQ(TextOf(file), ExportXMLString(dict, false));
-
     const std::filesystem::file_time_type long_ago{};
     std::filesystem::last_write_time(file, long_ago);
     EXPECT_TRUE(SaveXML(dict, file, false));
     EXPECT_EQ(std::filesystem::last_write_time(file), long_ago);
     EXPECT_TRUE(SaveXML(dict, file, true));
     EXPECT_EQ(TextOf(file), ExportXMLString(dict, true));
-
     EXPECT_FALSE(SaveXML(dict, folder.path() / "no" / "such folder", false));
     EXPECT_FALSE(LoadXML(dict, folder.path() / "missing"));
-    EXPECT_FALSE(LoadXML(dict, folder.path()));
 }
 
-/// Time flies: every chance to let other events run is due.
-class HastyHost : public ScriptedHost {
-  public:
-    std::chrono::nanoseconds Now() override { return now += 1s; }
-};
+TEST_F(XmlDictionary, OtherEventsRunWhileALongListIsWalked) {
+    /// Time flies: every chance to let other events run is due.
+    class HastyHost : public ScriptedHost {
+      public:
+        std::chrono::nanoseconds Now() override { return now += 1s; }
+    };
 
-TEST(XmlDictionaryEvents, OtherEventsRunWhileALongListIsWalked) {
     HastyHost hasty;
     const auto list = std::make_shared<Collection>();
     for (int i = 0; i < 100; ++i)
@@ -303,8 +285,88 @@ TEST(XmlDictionaryEvents, OtherEventsRunWhileALongListIsWalked) {
     const std::string text = ExportXMLString(DictionaryOf({{"list", list}}), false);
     EXPECT_GE(hasty.pumps, 100);
     hasty.pumps = 0;
-    ASSERT_TRUE(LoadXML(std::make_shared<Dictionary>(), std::string_view(text)));
+    ASSERT_TRUE(Loaded(text));
     EXPECT_GE(hasty.pumps, 100);
+}
+
+// --- Files that somebody else has made.
+
+using BadXml = XmlDictionary;
+
+TEST_F(BadXml, AnythingNotWellFormedLeavesTheDictionaryAlone) {
+    const std::string entry = "<key>a</key><integer>1</integer>";
+    const std::string good = "<xmldict>" + entry + "</xmldict>";
+    for (const std::string& text :
+         {""s, "<xmldict>" + entry, good + "<xmldict/>", good + "x", good + "\0"s,
+          "<xmldict>" + entry + "\xFF</xmldict>",
+          "<!DOCTYPE xmldict PUBLIC 'x' 'http://velmarsh.example/x.dtd'><xmldict>" + entry +
+              "&nbsp;</xmldict>",
+          "<xmldict>" + entry + "&#0;</xmldict>",
+          "<?xml version='1.0' encoding='EBCDIC'?>" + good}) {
+        SCOPED_TRACE(text);
+        const auto dict = DictionaryOf({{"a", 5}});
+        EXPECT_FALSE(LoadXML(dict, std::string_view(text)));
+        EXPECT_EQ(StorageByKey(dict, "a"), Value(5));
+    }
+}
+
+TEST_F(BadXml, EntitiesNeitherFetchNorMultiply) {
+    const TempFolder folder;
+    const std::string secret = folder.File("secret", "fetched").string();
+    EXPECT_FALSE(Loaded("<!DOCTYPE x [<!ENTITY e SYSTEM 'file://" + secret +
+                        "'>]><x><key>k</key><string>&e;</string></x>"));
+    EXPECT_FALSE(
+        Loaded("<!DOCTYPE x [<!ENTITY % p SYSTEM 'file://" + secret + "'> %p; ]><x>&e;</x>"));
+    std::ostringstream bomb;
+    bomb << "<!DOCTYPE x [<!ENTITY e0 '<null/><null/>'>";
+    for (int i = 1; i <= 40; ++i)
+        bomb << "<!ENTITY e" << i << " '&e" << i - 1 << ";&e" << i - 1 << ";'>";
+    EXPECT_FALSE(Loaded(bomb.str() + "]><x><key>k</key><array>&e40;</array></x>"));
+    const auto harmless = Loaded("<!DOCTYPE x [<!ENTITY e 'entity'>]>"
+                                 "<x><key>k</key><string>an &e;</string></x>");
+    ASSERT_TRUE(harmless);
+    EXPECT_EQ(StorageByKey(harmless, "k"), Value("an entity"s));
+}
+
+TEST_F(BadXml, NestingHasABoundThatBothFormsShare) {
+    const auto nested = [](int levels, const std::string& begin, const std::string& end) {
+        std::string text = begin;
+        for (int i = 1; i < levels; ++i)
+            text += "<key>k</key><dict>";
+        text += "<key>k</key><true/>";
+        for (int i = 1; i < levels; ++i)
+            text += "</dict>";
+        return text + end;
+    };
+    using Form = std::pair<const char*, const char*>;
+    for (const auto& [begin, end] :
+         {Form{"<xmldict>", "</xmldict>"}, Form{"<plist><dict>", "</dict></plist>"}}) {
+        const auto deepest = Loaded(nested(kDeepestLevel, begin, end));
+        ASSERT_TRUE(deepest);
+        for (const bool form : {false, true})
+            EXPECT_EQ(ExportXMLString(Loaded(ExportXMLString(deepest, form)), form),
+                      ExportXMLString(deepest, form));
+        EXPECT_FALSE(Loaded(nested(kDeepestLevel + 1, begin, end)));
+    }
+    EXPECT_FALSE(Loaded(nested(100'000, "<x>", "")));
+    auto dict = DictionaryOf({{"innermost", 1}});
+    for (int i = 0; i < 2 * kDeepestLevel; ++i)
+        dict = DictionaryOf({{"k", dict}});
+    const std::string text = ExportXMLString(dict, false);
+    EXPECT_THAT(text, testing::Not(HasSubstr("innermost"))) << "storages too deep are left empty";
+    ASSERT_TRUE(Loaded(text));
+}
+
+TEST_F(BadXml, AnEndlessTextIsRefusedAndALongOneTaken) {
+    const auto document = [](std::size_t size) {
+        return "<x><key>k</key><string>" + std::string(size, 'a') + "</string></x>";
+    };
+    EXPECT_TRUE(Loaded(document(kLongestDocument / 2)));
+    EXPECT_FALSE(Loaded(document(kLongestDocument)));
+    const TempFolder folder;
+    const auto huge = folder.File("huge", document(1));
+    std::filesystem::resize_file(huge, 10'000'000'000); // sparse
+    EXPECT_FALSE(LoadXML(std::make_shared<Dictionary>(), huge));
 }
 
 } // namespace
