@@ -7,7 +7,6 @@ set -eu
 root=$(readlink -f "$(dirname "$0")/..")
 # shellcheck source=tools/pictures.sh
 . "$root/tools/pictures.sh"
-pty_line=${PTY_LINE:-$root/build/dev/tests/beeb/pty_line}
 port=/dev/ttyUSB77
 
 if [ "${1-}" != inside ]; then
@@ -113,8 +112,8 @@ closing map "^Free"
 menu Left Up Up Up Up Up Return
 closing cat "^[*]CAT"
 
-if [ -n "$(command -v node)" ] && [ "$(id -u)" = 0 ] && [ ! -e "$port" ] && [ -x "$pty_line" ]; then
-    coproc micro { exec node "$root/tests/beeb/machine.mjs" --tavrilo --pty "$pty_line"; }
+if [ -n "$(command -v node)" ] && [ "$(id -u)" = 0 ] && [ ! -e "$port" ] && [ -d "$root/tests/beeb/node_modules" ]; then
+    coproc micro { exec node "$root/tests/beeb/machine.mjs" --tavrilo --pty; }
     read -r _ line <&"${micro[0]}"
     ln -s "$line" "$HOME/line"
     ln -s "$HOME/line" "$port"

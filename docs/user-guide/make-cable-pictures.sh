@@ -22,8 +22,7 @@ fi
 
 openbox 2>/dev/null &
 coproc micro {
-    exec node "$root/tests/beeb/machine.mjs" --tavrilo --pictures \
-        --pty "$root/build/dev/tests/beeb/pty_line"
+    exec node "$root/tests/beeb/machine.mjs" --tavrilo --pictures --pty
 }
 read -r _ line <&"${micro[0]}"
 ln -sf "$line" "$port"
@@ -34,11 +33,17 @@ micro() {
     read -r _ <&"${micro[0]}"
 }
 
+# micro_picture NAME: the micro's screen as it is now.
+micro_picture() {
+    micro picture "$HOME/micro.ppm"
+    convert "$HOME/micro.ppm" "$pictures/micro-$1.png"
+}
+
 # choose KEY...: an item of the Tavrilo menu, by the keys that lead to it from its top.
 choose() { menu Right Right "$@"; }
 
 micro insert 0 "$HOME/demo-basic.ssd"
-micro picture "$here/pictures/micro-waiting.png"
+micro_picture waiting
 start demo-dual.dsd
 
 # First, as a Cancel anywhere silences it until a transfer starts.
@@ -70,7 +75,7 @@ receive=$(window "Receive Disc Image")
 sleep 20
 take receive "$receive"
 take trace "$trace"
-micro picture "$here/pictures/micro-receiving.png"
+micro_picture receiving
 xdotool windowactivate --sync "$receive" key Escape
 sleep 8
 

@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <cstdio>
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -29,24 +28,13 @@ class EmulatedMicro {
     /// Lets the micro come up to `now`, to the millisecond, and gives what it has sent meanwhile.
     [[nodiscard]] std::string RunTo(std::chrono::nanoseconds now);
 
-    /// Types at its keyboard; "\r" is RETURN. The test's clock stands still.
-    void Type(std::string_view text);
-
-    /// Its screen, a JSON list of lines.
-    [[nodiscard]] std::string Screen() { return Ask("screen"); }
-
   private:
     struct FileCloser {
         void operator()(std::FILE* file) const { std::fclose(file); }
     };
 
-    using File = std::unique_ptr<std::FILE, FileCloser>;
-
-    [[nodiscard]] std::string Line();
-
     int process_ = -1;
-    File commands_;
-    File answers_;
+    std::unique_ptr<std::FILE, FileCloser> machine_; ///< both ways
     std::string pending_;
     std::chrono::milliseconds reached_{0};
 };

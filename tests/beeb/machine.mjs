@@ -1,15 +1,16 @@
 #!/usr/bin/env node
 // An emulated micro for other programs, steered by lines of text.
 //
-//   node machine.mjs [--model B-DFS1.2|B-DFS0.9|B1770|Master] [--tavrilo] [--pictures]
-//                   [--pty HELPER]
+//   node machine.mjs [--model B-DFS1.2|B-DFS0.9|B1770|Master] [--tavrilo] [--kept IMAGE]
+//                   [--pictures] [--pty]
 //
-// Its first line says that it is ready: "ready", and behind it the path of the pseudo-terminal
-// that is the other end of its cable if --pty names the built pty_line. With a terminal, emulated
-// time keeps to real time. Without, time stands still except in the commands that take some, and
-// the cable's other end is the command "run": so a test can hold its own clock in step.
-// --tavrilo types Tavrilo in and runs it first. --pictures makes the command "picture" work, and
-// the micro slower.
+// Its first line says that it is ready: "ready", and behind it, with --pty, the path of the
+// pseudo-terminal that is the other end of its cable. With a terminal, emulated time keeps to real
+// time. Without, time stands still except in the commands that take some, and the cable's other end
+// is the command "run": so a test can hold its own clock in step.
+// --tavrilo types Tavrilo in and runs it first; with --kept it is saved to that image, or loaded
+// from there if it has been before. --pictures makes the command "picture" work, and the micro
+// slower.
 //
 // Each command is a line, and is answered by one: "ok", with what was asked for behind it as
 // JSON, or "error" and why.
@@ -25,17 +26,18 @@
 //   damage DRIVE SIDE TRACK SECTOR   spoils a sector; without SECTOR, erases the track
 //   dump DRIVE FILE [TRACKS]         writes .ssd (one side) or .dsd; gives the unreadable sectors
 //   counters              bytes received, overruns, ...
-//   picture FILE          the screen as a PNG
+//   picture FILE          the screen as a PPM
 //   quit
 
 import { spawn } from "node:child_process";
 import { readFileSync, writeFileSync } from "node:fs";
 import readline from "node:readline";
+import { fileURLToPath } from "node:url";
 import { parseArgs } from "node:util";
 import { Beeb } from "./lib/beeb.mjs";
-import { damageSector, eraseTrack, formatted, fromImage, readBoth, readSide, unformatted } from "./lib/disc.mjs";
+import { damageSector, eraseTrack, formatted, fromImage, readBack, unformatted } from "./lib/disc.mjs";
 import { Screen } from "./lib/picture.mjs";
-import { running } from "./lib/tavrilo.mjs";
+import { startTavrilo } from "./lib/tavrilo.mjs";
 
 const TICK_MS = 2;
 /** Real milliseconds that the machine may catch up at once; what it is later than that is lost. */
@@ -44,29 +46,26 @@ const CATCH_UP_MS = 20;
 const { values: options } = parseArgs({
     options: {
         model: { type: "string", default: "B-DFS1.2" },
-        tavrilo: { type: "boolean", default: false },
-        pictures: { type: "boolean", default: false },
-        pty: { type: "string" },
+        tavrilo: { type: "boolean" },
+        kept: { type: "string" },
+        pictures: { type: "boolean" },
+        pty: { type: "boolean" },
     },
 });
 
 const say = (line) => process.stdout.write(`${line}\n`);
 const screen = options.pictures ? new Screen(options.model) : undefined;
-const hardware = { video: screen?.video };
-const { beeb } = options.tavrilo
-    ? await running(options.model, hardware)
-    : { beeb: await Beeb.start(options.model, hardware) };
+const beeb = await Beeb.start(options.model, screen?.video);
+if (options.tavrilo) startTavrilo(beeb, options.kept);
 
 /** A floppy by the word for it. */
 function floppy(what) {
     if (what === "none") return undefined;
     if (what === "unformatted") return unformatted();
     const tracks = /^formatted(40|80)$/.exec(what);
-    if (tracks) return formatted(Number(tracks[1]), { doubleSided: true });
-    return fromImage(new Uint8Array(readFileSync(what)), { doubleSided: /\.dsd$/i.test(what) });
+    if (tracks) return formatted(Number(tracks[1]));
+    return fromImage(readFileSync(what), /\.dsd$/i.test(what));
 }
-
-const discIn = (drive) => beeb.cpu.fdc.drives[Number(drive)].disc;
 
 const commands = {
     run(ms, hex = "") {
@@ -81,13 +80,13 @@ const commands = {
     break: () => beeb.pressBreak(),
     screen: () => beeb.screen(),
     insert: (drive, what) => beeb.insert(Number(drive), floppy(what)),
-    protect: (drive, yes) => void (discIn(drive).isWriteable = yes !== "yes"),
+    protect: (drive, yes) => void (beeb.discIn(drive).isWriteable = yes !== "yes"),
     damage(drive, side, track, sector) {
-        if (sector === undefined) eraseTrack(discIn(drive), Number(side), Number(track));
-        else damageSector(discIn(drive), Number(side), Number(track), Number(sector));
+        if (sector === undefined) eraseTrack(beeb.discIn(drive), Number(side), Number(track));
+        else damageSector(beeb.discIn(drive), Number(side), Number(track), Number(sector));
     },
     dump(drive, file, tracks = "80") {
-        const read = /\.dsd$/i.test(file) ? readBoth(discIn(drive), Number(tracks)) : readSide(discIn(drive), 0, Number(tracks));
+        const read = readBack(beeb.discIn(drive), /\.dsd$/i.test(file) ? 2 : 1, Number(tracks));
         writeFileSync(file, read.image);
         return read.unreadable;
     },
@@ -95,7 +94,7 @@ const commands = {
     picture(file) {
         if (!screen) throw new Error("start me with --pictures");
         beeb.runMs(80);
-        writeFileSync(file, screen.png());
+        writeFileSync(file, screen.ppm());
     },
     quit: () => process.exit(0),
 };
@@ -121,35 +120,26 @@ function keepTime() {
     }, TICK_MS);
 }
 
-/** Splits the helper's stream into frames. */
-function framesTo(handle) {
-    let rest = Buffer.alloc(0);
-    return (chunk) => {
-        rest = Buffer.concat([rest, chunk]);
-        while (rest.length >= 3 && rest.length >= 3 + rest.readUInt16LE(1)) {
-            const end = 3 + rest.readUInt16LE(1);
-            handle(String.fromCharCode(rest[0]), rest.subarray(3, end));
-            rest = rest.subarray(end);
-        }
-    };
-}
-
-function tieToTerminal(helper) {
-    const child = spawn(helper, [], { stdio: ["pipe", "pipe", "inherit"] });
+function tieToTerminal() {
+    const helper = fileURLToPath(new URL("lib/pty_line.py", import.meta.url));
+    const child = spawn("python3", [helper], { stdio: ["pipe", "pipe", "inherit"] });
     child.on("error", (error) => say(`error ${error.message}`));
     child.on("exit", () => process.exit(1));
     beeb.onByte = (byte) => child.stdin.write(Uint8Array.of(byte));
     delete commands.run;
-    const frames = {
-        P: (bytes) => say(`ready ${bytes}`),
-        R: (bytes) => void (beeb.line.hostRate = Number(bytes) || undefined),
-        D: (bytes) => beeb.line.send(bytes),
+    const tellings = {
+        path: (path) => say(`ready ${path}`),
+        rate: commands.rate,
+        bytes: (hex) => beeb.line.send(Buffer.from(hex, "hex")),
     };
-    child.stdout.on("data", framesTo((kind, bytes) => frames[kind](bytes)));
+    readline.createInterface({ input: child.stdout }).on("line", (line) => {
+        const [what, value] = line.split(" ");
+        tellings[what](value);
+    });
     keepTime();
 }
 
-if (options.pty) tieToTerminal(options.pty);
+if (options.pty) tieToTerminal();
 else say("ready");
 
 const lines = readline.createInterface({ input: process.stdin });

@@ -16,29 +16,18 @@ setNodeBasePath(path.join(path.dirname(require.resolve("jsbeeb/src/models.js")),
 // The emulator tells of every ROM and of every bump of a drive's head on the console.
 console.log = () => {};
 
-/** Keys by what they type: the name in the emulator's table, and whether SHIFT is held. */
-const SHIFTED = { '"': "2", "!": "1", "#": "3", $: "4", "%": "5", "&": "6", "(": "8", ")": "9" };
-const NAMED = {
+/** Keys that are no letter or digit: the name in the emulator's table, and whether SHIFT is held. */
+const KEYS = {
     " ": ["SPACE"],
     "\r": ["RETURN"],
     "\x1b": ["ESCAPE"],
     ",": ["COMMA"],
-    "<": ["COMMA", true],
-    ".": ["PERIOD"],
-    ">": ["PERIOD", true],
-    "/": ["SLASH"],
-    "?": ["SLASH", true],
-    ":": ["COLON_STAR"],
     "*": ["COLON_STAR", true],
-    ";": ["SEMICOLON_PLUS"],
-    "+": ["SEMICOLON_PLUS", true],
-    "-": ["MINUS"],
-    "=": ["MINUS", true],
+    '"': ["K2", true],
 };
 
 function keyFor(character) {
-    if (NAMED[character]) return NAMED[character];
-    if (SHIFTED[character]) return [`K${SHIFTED[character]}`, true];
+    if (KEYS[character]) return KEYS[character];
     if (/[0-9]/.test(character)) return [`K${character}`];
     if (/[A-Z]/.test(character)) return [character]; // CAPS LOCK is on after the micro starts
     throw new Error(`no key types ${JSON.stringify(character)}`);
@@ -46,7 +35,7 @@ function keyFor(character) {
 
 export class Beeb {
     /** Starts a micro: "B-DFS1.2", "B-DFS0.9", "B1770" or "Master", and leaves it at its prompt. */
-    static async start(model = "B-DFS1.2", { video } = {}) {
+    static async start(model, video) {
         const cpu = fake6502(findModel(model), { video });
         await cpu.initialise();
         const beeb = new Beeb(cpu);
@@ -72,19 +61,13 @@ export class Beeb {
         while (this.ms < end) this.cpu.execute(Math.max(1, Math.min(20000, (end - this.ms) * CYCLES_PER_MS) | 0));
     }
 
-    /** Runs until `condition` gives true, looking every millisecond; false if `ms` passed first. */
-    runUntil(condition, ms) {
-        const end = this.ms + ms;
-        while (!condition()) {
-            if (this.ms >= end) return false;
-            this.cpu.execute(CYCLES_PER_MS);
-        }
-        return true;
-    }
-
     /** Puts a floppy into physical drive 0 or 1; undefined takes it out. */
     insert(drive, disc) {
         this.cpu.fdc.drives[drive].setDisc(disc);
+    }
+
+    discIn(drive) {
+        return this.cpu.fdc.drives[drive].disc;
     }
 
     /** Types at the keyboard as a person does, a key at a time. */
@@ -109,7 +92,7 @@ export class Beeb {
 
     /** The lines of text on the screen, which must be in mode 7. */
     screen() {
-        const top = this.#word(0x350);
+        const top = this.cpu.peekmem(0x350) | (this.cpu.peekmem(0x351) << 8);
         const lines = [];
         for (let row = 0; row < 25; ++row) {
             let line = "";
@@ -122,13 +105,5 @@ export class Beeb {
             lines.push(line.trimEnd());
         }
         return lines;
-    }
-
-    screenText() {
-        return this.screen().join("\n");
-    }
-
-    #word(address) {
-        return this.cpu.peekmem(address) | (this.cpu.peekmem(address + 1) << 8);
     }
 }

@@ -8,7 +8,7 @@ const CYCLES_PER_SECOND = 2_000_000;
 /** Rates that the serial chip makes of the three bits in its register. */
 const RATES = [19200, 1200, 4800, 150, 9600, 300, 2400, 75];
 
-const STATUS = { full: 0x01, empty: 0x02, carrier: 0x04, notClear: 0x08, framing: 0x10, overrun: 0x20, irq: 0x80 };
+const STATUS = { full: 0x01, empty: 0x02, framing: 0x10, overrun: 0x20, irq: 0x80 };
 const INTERRUPT = 0x04;
 
 /** What the cable and the chip made of the bytes, for a test to look at. */
@@ -23,7 +23,7 @@ class Counters {
 export class Rs423 {
     /**
      * @param cpu the emulated processor
-     * @param onByte called with each byte that the micro has sent, and the cycle at which it was whole
+     * @param onByte called with each byte that the micro has sent
      */
     constructor(cpu, onByte) {
         this.cpu = cpu;
@@ -32,14 +32,12 @@ export class Rs423 {
         this.count = new Counters();
         /** Rate at which the other end sends and listens; undefined follows the micro. */
         this.hostRate = undefined;
-        /** Whether the other end holds its RTS line up, which is the micro's CTS. */
-        this.clearToSend = true;
 
         this.pending = []; // bytes on their way to the micro
         this.lineFree = 0; // when the last of them will have arrived
         this.arrival = this.scheduler.newTask(() => this.#arrive());
         this.sent = this.scheduler.newTask(() => this.#whole());
-        this.ula = { write: (_, value) => this.#select(value), read: () => this.#readUla(), reset: () => this.#select(0) };
+        this.ula = { write: (_, value) => this.#select(value), read: () => 0, reset: () => this.#select(0) };
         this.reset();
         this.#select(0);
     }
@@ -58,11 +56,6 @@ export class Rs423 {
             this.pending.push({ byte, at: this.lineFree });
         }
         this.#expectNext();
-    }
-
-    /** Bytes that `send` took and that have not reached the micro. */
-    get underway() {
-        return this.pending.length;
     }
 
     // The micro's side: the emulator calls these by these names.
@@ -96,8 +89,7 @@ export class Rs423 {
     #status() {
         let status = 0;
         if (this.full) status |= STATUS.full;
-        if (this.waiting < 0 && this.clearToSend) status |= STATUS.empty;
-        if (!this.clearToSend) status |= STATUS.notClear;
+        if (this.waiting < 0) status |= STATUS.empty;
         if (this.framing) status |= STATUS.framing;
         if (this.overrun) status |= STATUS.overrun;
         if (this.#wantsInterrupt()) status |= STATUS.irq;
@@ -105,7 +97,7 @@ export class Rs423 {
     }
 
     #readData() {
-        if (this.full) this.#noteWait();
+        if (this.full) this.count.longestWait = Math.max(this.count.longestWait, this.#microsecondsWaited());
         // The chip tells of an overrun only once the byte before it has been fetched.
         this.overrun = this.overrunWaits;
         this.full = this.overrunWaits;
@@ -115,14 +107,13 @@ export class Rs423 {
         return this.data;
     }
 
-    #noteWait() {
-        const microseconds = (this.scheduler.epoch - this.arrived) / (CYCLES_PER_SECOND / 1e6);
-        this.count.longestWait = Math.max(this.count.longestWait, microseconds);
+    #microsecondsWaited() {
+        return (this.scheduler.epoch - this.arrived) / (CYCLES_PER_SECOND / 1e6);
     }
 
     #wantsInterrupt() {
         const receive = this.control & 0x80 && (this.full || this.overrun);
-        const transmit = (this.control & 0x60) === 0x20 && this.waiting < 0 && this.clearToSend;
+        const transmit = (this.control & 0x60) === 0x20 && this.waiting < 0;
         return Boolean(receive || transmit);
     }
 
@@ -135,11 +126,6 @@ export class Rs423 {
         this.selected = Boolean(value & 0x40);
         this.sendRate = RATES[value & 7];
         this.receiveRate = RATES[(value >> 3) & 7];
-    }
-
-    #readUla() {
-        this.#select(0xfe);
-        return 0;
     }
 
     /** The chip divides its clock by 64 for the named rate, or by 16 for four times that. */
@@ -200,6 +186,6 @@ export class Rs423 {
             this.waiting = -1;
         }
         this.#updateIrq();
-        if (this.selected) this.onByte(this.#garble(byte, this.#divided(this.sendRate)), this.scheduler.epoch);
+        if (this.selected) this.onByte(this.#garble(byte, this.#divided(this.sendRate)));
     }
 }
