@@ -33,11 +33,6 @@ void LinkWindowTest::TearDown() {
     MainWindowTest::TearDown();
 }
 
-bool LinkWindowTest::IsEnabled(const char* item) const {
-    Q_EMIT window->findChild<QMenu*>(QStringLiteral("TavriloTrace"))->aboutToShow();
-    return Item(item).isEnabled();
-}
-
 void LinkWindowTest::When(std::function<bool()> ready, std::function<void()> act) {
     acts_.emplace_back(std::move(ready), std::move(act));
 }

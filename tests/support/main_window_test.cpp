@@ -1,12 +1,17 @@
 #include "support/main_window_test.h"
 
-#include <QApplication>
+#include "platform/qt/serial_port.h"
 
-#include <stdexcept>
+#include <QApplication>
+#include <QPointer>
+#include <QTimer>
 
 namespace quoravel {
 
 namespace fs = std::filesystem;
+
+MainWindowTest::MainWindowTest(std::unique_ptr<UiHost> host) : host_(std::move(host)) {
+}
 
 void MainWindowTest::SetUp() {
     fs::create_directory(folder.path() / "config");
@@ -17,6 +22,7 @@ void MainWindowTest::SetUp() {
 
 void MainWindowTest::TearDown() {
     window.reset();
+    ListPortsWith({});
     EXPECT_TRUE(desktop.files.empty()) << "a dialog was expected and did not come";
     EXPECT_TRUE(desktop.yes_no.empty()) << "a question was expected and did not come";
 }
@@ -30,26 +36,44 @@ void MainWindowTest::Start() {
     QApplication::setActiveWindow(window.get()); // the offscreen platform has no window manager
 }
 
-QAction& MainWindowTest::Item(const char* name) const {
-    auto* item = window->findChild<QAction*>(QLatin1StringView(name));
-    if (item == nullptr)
-        throw std::runtime_error(std::string("no menu item ") + name);
-    return *item;
+void MainWindowTest::Choose(const QWidget& window, const char* item) {
+    for (QMenu* menu : window.findChildren<QMenu*>())
+        Q_EMIT menu->aboutToShow();
+    auto& found = Part<QAction>(window, item);
+    EXPECT_TRUE(found.isEnabled()) << item;
+    found.trigger();
 }
 
-void MainWindowTest::Choose(const char* name) const {
-    EXPECT_TRUE(Item(name).isEnabled()) << name;
-    Item(name).trigger();
+void MainWindowTest::InDialog(const QWidget& window, const char* item,
+                              const std::function<void(QWidget&)>& act) {
+    QTimer::singleShot(0, &window, [&act] {
+        const QPointer<QWidget> dialog = QApplication::activeModalWidget();
+        ASSERT_FALSE(dialog.isNull());
+        act(*dialog);
+        if (!dialog.isNull() && dialog->isVisible()) {
+            ADD_FAILURE() << "still open at the end";
+            dialog->hide();
+        }
+    });
+    Choose(window, item);
+}
+
+void MainWindowTest::Type(const QWidget& dialog, const char* field, const QString& text) {
+    auto& edit = Part<QLineEdit>(dialog, field);
+    edit.selectAll();
+    QTest::keyClicks(&edit, text);
+}
+
+void MainWindowTest::PlugInCable(const QString& path) {
+    ListPortsWith([path] { return std::vector<PortInfo>{{QStringLiteral("Cable"), path}}; });
 }
 
 Listbox& MainWindowTest::List(int drive) const {
-    return *window->findChild<Listbox*>(QStringLiteral("lvwDB(%1)").arg(drive));
+    return Part<Listbox>(*window, drive == 0 ? "lvwDB(0)" : "lvwDB(1)");
 }
 
 std::string MainWindowTest::Status(int drive) const {
-    return window->findChild<QLabel*>(QStringLiteral("MsgText(%1)").arg(drive))
-        ->text()
-        .toStdString();
+    return Part<QLabel>(*window, drive == 0 ? "MsgText(0)" : "MsgText(1)").text().toStdString();
 }
 
 std::vector<std::string> MainWindowTest::Names(int drive) const {

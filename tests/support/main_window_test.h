@@ -1,13 +1,15 @@
 #pragma once
 
 #include "disc/module1.h"
-#include "platform/qt/listbox.h"
 #include "shell/frmMain.h"
 #include "support/temp_folder.h"
 #include "support/ui_host.h"
+#include "support/windows.h"
 
 #include <QAction>
+#include <QDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
 #include <QTest>
 
@@ -20,18 +22,35 @@
 namespace quoravel {
 
 /// The program as a person has it before them: the real main window, started, with a preferences
-/// folder of its own. Actions are found by their names and must be enabled to be chosen.
+/// folder of its own.
 class MainWindowTest : public testing::Test {
   protected:
+    explicit MainWindowTest(std::unique_ptr<UiHost> host = std::make_unique<UiHost>());
+
     void SetUp() override;
     void TearDown() override;
 
     /// Starts the program (again, if it has run before: as the next session would).
     void Start();
 
-    [[nodiscard]] QAction& Item(const char* name) const;
-    /// Chooses a menu item; the test fails if it is dimmed.
-    void Choose(const char* name) const;
+    /// Opens the menus and chooses an item; the test fails if it is dimmed.
+    static void Choose(const QWidget& window, const char* item);
+
+    void Choose(const char* item) const { Choose(*window, item); }
+
+    /// Chooses an item that shows a dialog or box. `act` gets that while it stands, and ends it.
+    static void InDialog(const QWidget& window, const char* item,
+                         const std::function<void(QWidget&)>& act);
+
+    void InDialog(const char* item, const std::function<void(QWidget&)>& act) const {
+        InDialog(*window, item, act);
+    }
+
+    /// Replaces what is in a field.
+    static void Type(const QWidget& dialog, const char* field, const QString& text);
+
+    /// One serial port, "Cable", for as long as the test takes.
+    static void PlugInCable(const QString& path = QStringLiteral("/nowhere"));
 
     [[nodiscard]] Listbox& List(int drive) const;
     [[nodiscard]] std::string Status(int drive) const;
@@ -51,7 +70,8 @@ class MainWindowTest : public testing::Test {
     [[nodiscard]] std::filesystem::path CopyOfDisc(const char* name) const;
 
     TempFolder folder;
-    UiHost desktop;
+    const std::unique_ptr<UiHost> host_;
+    UiHost& desktop = *host_;
     std::unique_ptr<frmMain> window;
 };
 

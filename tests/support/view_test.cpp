@@ -4,7 +4,6 @@
 #include "view/wordwise/state.h"
 
 #include <QApplication>
-#include <QTimer>
 
 namespace quoravel {
 
@@ -39,40 +38,20 @@ ViewTest::View ViewTest::ShowText(std::string_view bytes) const {
 }
 
 EditField& ViewTest::Text(const View& view) {
-    return *view->findChild<EditField*>(QStringLiteral("rtbView"));
+    return Part<EditField>(*view, "rtbView");
 }
 
 std::string ViewTest::Title(const View& view) {
     return view->windowTitle().toStdString();
 }
 
-QAction& ViewTest::Item(const View& view, const char* name) {
-    return *view->findChild<QAction*>(QLatin1StringView(name));
-}
-
-void ViewTest::Choose(const View& view, const char* item) {
-    EXPECT_TRUE(Item(view, item).isEnabled()) << item;
-    Item(view, item).trigger();
-}
-
-void ViewTest::Find(const View& view, const std::function<void(QLineEdit&, QDialog&)>& act) {
-    QTimer::singleShot(0, view.get(), [&] {
-        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        ASSERT_NE(dialog, nullptr);
-        act(*dialog->findChild<QLineEdit*>(QStringLiteral("txtFind")), *dialog);
-        EXPECT_TRUE(dialog->isHidden()) << "still open at the end";
-        dialog->hide();
+void ViewTest::LookFor(const View& view, const QString& wanted, Qt::Key key) {
+    InDialog(*view, "EditFind", [&](QWidget& dialog) {
+        Part<QLineEdit>(dialog, "txtFind").setText(wanted);
+        QTest::keyClick(&dialog, key);
     });
-    Choose(view, "EditFind");
     view->activateWindow(); // as window managers do, of which there is none
     EXPECT_TRUE(QTest::qWaitForWindowActive(view.get()));
-}
-
-void ViewTest::Find(const View& view, const QString& wanted) {
-    Find(view, [&](QLineEdit& field, QDialog&) {
-        field.setText(wanted);
-        QTest::keyClick(&field, Qt::Key_Return);
-    });
 }
 
 std::string ViewTest::Selection(const View& view) {

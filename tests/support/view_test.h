@@ -4,10 +4,6 @@
 #include "support/main_window_test.h"
 #include "view/frmView.h"
 
-#include <QDialog>
-#include <QLineEdit>
-
-#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -32,18 +28,10 @@ class ViewTest : public MainWindowTest {
 
     [[nodiscard]] static EditField& Text(const View& view);
     [[nodiscard]] static std::string Title(const View& view);
-    [[nodiscard]] static QAction& Item(const View& view, const char* name);
-    using MainWindowTest::Item;
     using MainWindowTest::Title;
 
-    /// Chooses an item of a view window.
-    static void Choose(const View& view, const char* item);
-    using MainWindowTest::Choose;
-
-    /// Runs Find; `act` gets the field and the dialog while it stands.
-    static void Find(const View& view, const std::function<void(QLineEdit&, QDialog&)>& act);
-    /// Finds as a person does who types and presses Enter.
-    static void Find(const View& view, const QString& wanted);
+    /// Looks for a text as a person does who types and presses a key.
+    static void LookFor(const View& view, const QString& wanted, Qt::Key key = Qt::Key_Return);
 
     /// What is selected, as position and text: "12:abc".
     [[nodiscard]] static std::string Selection(const View& view);

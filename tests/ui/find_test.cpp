@@ -1,8 +1,5 @@
 #include "support/view_test.h"
 
-#include <QLabel>
-#include <QPushButton>
-
 namespace quoravel {
 namespace {
 
@@ -16,14 +13,6 @@ class FindTest : public ViewTest {
         return ShowText(lines);
     }
 
-    static int VisibleRows(const View& view) {
-        return static_cast<int>(Text(view).Height() / Text(view).TextHeight());
-    }
-
-    static int SelectedLine(const View& view) {
-        return Text(view).LineNumAtCharPos(Text(view).SelStart());
-    }
-
     static void Next(const View& view) {
         EXPECT_TRUE(QTest::qWaitForWindowActive(view.get()));
         QTest::keyClick(&Text(view), Qt::Key_G, Qt::ControlModifier);
@@ -32,76 +21,56 @@ class FindTest : public ViewTest {
 
 TEST_F(FindTest, TheDialogOpensWithTheLastSearchSelected) {
     const View first = ShowText("some text");
-    Find(first, [](QLineEdit& field, QDialog& dialog) {
+    InDialog(*first, "EditFind", [](QWidget& dialog) {
         EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Find"));
         EXPECT_EQ(dialog.size(), QSize(300, 100));
-        EXPECT_EQ(dialog.findChild<QLabel*>(QStringLiteral("StaticText1"))->text(),
-                  QStringLiteral("Find :"));
-        QTest::keyClicks(&field, QStringLiteral("text"));
-        QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("cmdOK")), Qt::LeftButton);
+        Type(dialog, "txtFind", QStringLiteral("text"));
+        Press(dialog, "cmdOK");
     });
     EXPECT_EQ(Selection(first), "5:text");
-    const View second = ShowText("other");
-    Find(second, [](QLineEdit& field, QDialog&) {
+    const View second = ShowText("other text that reads on");
+    Next(second); // in a window that has never searched
+    EXPECT_EQ(Selection(second), "6:text");
+    InDialog(*second, "EditFind", [](QWidget& dialog) {
+        auto& field = Part<QLineEdit>(dialog, "txtFind");
         EXPECT_EQ(field.selectedText(), QStringLiteral("text"));
-        QTest::keyClicks(&field, QStringLiteral("THE"));
-        QTest::keyClick(&field, Qt::Key_Return);
+        QTest::keyClicks(&field, QStringLiteral("THE\r"));
     });
     EXPECT_EQ(Selection(second), "1:the") << "case makes no difference";
 }
 
 TEST_F(FindTest, CancelKeepsTheSearchTextAndSwitchesFindNextOff) {
     const View view = ShowText("ab ab ab");
-    Find(view, QStringLiteral("ab"));
-    Find(view, [](QLineEdit& field, QDialog& dialog) {
-        field.setText(QStringLiteral("other"));
-        QTest::keyClick(&dialog, Qt::Key_Escape);
-    });
+    LookFor(view, QStringLiteral("ab"));
+    LookFor(view, QStringLiteral("other"), Qt::Key_Escape);
     EXPECT_EQ(Module1::gStr, "ab");
-    EXPECT_EQ(view->fp, -1);
     Next(view);
     EXPECT_EQ(Selection(view), "0:ab");
-    Find(view, QStringLiteral("ab"));
+    LookFor(view, QStringLiteral("ab"));
     Next(view);
     EXPECT_EQ(Selection(view), "3:ab");
 }
 
-TEST_F(FindTest, MatchesMayOverlapAndPositionsCountTheLineEnds) {
+TEST_F(FindTest, MatchesMayOverlapAndEndWithTheLastOne) {
     const View view = ShowText("aaa\r\xC4\xE4 aa");
-    Find(view, QStringLiteral("aa"));
+    LookFor(view, QStringLiteral("aa"));
     EXPECT_EQ(Selection(view), "0:aa");
-    for (const char* match : {"1:aa", "8:aa"}) {
+    for (const char* match : {"1:aa", "8:aa", "8:aa", "8:aa"}) {
         Next(view);
         EXPECT_EQ(Selection(view), match);
     }
-    Find(view, QStringLiteral("\u00E4"));
+    LookFor(view, QStringLiteral("\u00E4"));
     EXPECT_EQ(Selection(view), "6:\xE4") << "only the letters A to Z are the same in both cases";
-}
-
-TEST_F(FindTest, BehindTheLastMatchNothingHappensAnyLonger) {
-    const View view = ShowText("ab ab");
-    Find(view, QStringLiteral("ab"));
+    LookFor(view, QString());
     Next(view);
-    for (int i = 0; i < 3; ++i) {
-        Next(view);
-        EXPECT_EQ(Selection(view), "3:ab");
-        EXPECT_EQ(view->fp, -1);
-    }
+    EXPECT_EQ(Selection(view), "1:") << "nothing is found where the search begins";
 }
 
-TEST_F(FindTest, FindNextInAWindowThatNeverSearchedTakesTheLastSearchOfAnother) {
-    Find(ShowText("needle"), QStringLiteral("ee"));
-    const View view = ShowText("three trees");
-    Next(view);
-    EXPECT_EQ(Selection(view), "3:ee");
-}
-
-TEST_F(FindTest, AMissedFindIsNotToldAndSelectsFromTheStartAsMeant) {
+TEST_F(FindTest, AMissedFindIsNotToldAndSelectsFromTheStart_Meant) {
     const View view = ShowLines();
     Text(view).SetScrollPosition(500);
-    Find(view, QStringLiteral("xyz"));
+    LookFor(view, QStringLiteral("xyz"));
     EXPECT_TRUE(desktop.boxes.empty());
-    EXPECT_EQ(view->fp, 0);
     EXPECT_EQ(Selection(view), "0:0 h") << "as many characters as were looked for";
     EXPECT_EQ(Text(view).ScrollPosition(), 0);
     Next(view);
@@ -109,44 +78,29 @@ TEST_F(FindTest, AMissedFindIsNotToldAndSelectsFromTheStartAsMeant) {
     EXPECT_TRUE(desktop.boxes.empty());
 }
 
-TEST_F(FindTest, NothingIsFoundWhereTheSearchBegins) {
-    const View view = ShowText("ab");
-    Find(view, QString());
-    EXPECT_EQ(view->fp, 1);
-    Next(view);
-    EXPECT_EQ(Selection(view), "1:");
-}
-
-TEST_F(FindTest, AMatchThatCanBeSeenDoesNotScroll) {
+TEST_F(FindTest, OnlyAMatchThatCannotBeSeenScrollsAndComesToTheMiddle) {
     const View view = ShowLines();
-    Text(view).SetScrollPosition(95);
-    QTest::keyClick(&Text(view), Qt::Key_Home, Qt::ControlModifier);
-    Text(view).SetScrollPosition(95);
-    Module1::gStr = "100";
-    Next(view);
-    EXPECT_EQ(SelectedLine(view), 100);
-    EXPECT_EQ(Text(view).ScrollPosition(), 95);
-    Text(view).SetScrollPosition(101 - VisibleRows(view));
-    view->fp = 0;
-    Next(view);
-    EXPECT_EQ(Text(view).ScrollPosition(), 101 - VisibleRows(view)) << "it is in the last row";
-}
+    const int rows = static_cast<int>(Text(view).Height() / Text(view).TextHeight());
+    const int middle = static_cast<int>(100 - rows / 2.0);
 
-TEST_F(FindTest, AMatchThatCannotBeSeenComesToTheMiddle) {
-    const View view = ShowLines();
-    Find(view, QStringLiteral("here"));
-    EXPECT_EQ(Text(view).ScrollPosition(), 0);
-    for (int line = 100; line < 400; line += 100) {
+    struct Row {
+        const char* what;
+        int scrolled_to;
+        int then;
+    };
+
+    for (const Row& row :
+         {Row{"in the first row", 100, 100}, Row{"in the last row", 101 - rows, 101 - rows},
+          Row{"one row above", 101, middle}, Row{"one row below", 100 - rows, middle}}) {
+        SCOPED_TRACE(row.what);
+        Module1::gStr = "here";
+        view->fp = 4; // behind that of line 0
+        Text(view).SetScrollPosition(row.scrolled_to);
         Next(view);
-        EXPECT_EQ(SelectedLine(view), line);
-        EXPECT_EQ(Text(view).ScrollPosition(), static_cast<int>(line - VisibleRows(view) / 2.0));
+        EXPECT_EQ(Selection(view), "399:here");
+        EXPECT_EQ(Text(view).ScrollPosition(), row.then);
         EXPECT_TRUE(Text(view).viewport()->rect().contains(Text(view).cursorRect()));
     }
-    Text(view).SetScrollPosition(101); // one row below the match
-    view->fp = 4;
-    Next(view);
-    EXPECT_EQ(SelectedLine(view), 100);
-    EXPECT_EQ(Text(view).ScrollPosition(), static_cast<int>(100 - VisibleRows(view) / 2.0));
 }
 
 } // namespace

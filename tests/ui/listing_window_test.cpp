@@ -1,12 +1,7 @@
-#include "disc/disc_block.h"
 #include "support/main_window_test.h"
 
-#include <QLabel>
 #include <QProgressBar>
-#include <QPushButton>
 
-#include <algorithm>
-#include <fstream>
 #include <gmock/gmock.h>
 
 namespace quoravel {
@@ -15,39 +10,32 @@ namespace {
 namespace fs = std::filesystem;
 using testing::ElementsAre;
 
-/// A tree of blank images, and a clock with which every Yield pumps.
+/// A tree of three blank images, and a clock with which every Yield pumps.
 class ListingWindowTest : public MainWindowTest {
   protected:
     void SetUp() override {
         MainWindowTest::SetUp();
-        for (const char* name : {"a.ssd", "b.ssd", "c.ssd"}) {
-            fs::create_directories(tree);
-            std::ofstream(tree / name) << "x";
-        }
-        desktop.folders = {tree};
-        desktop.files = {log};
+        fs::create_directories(tree);
+        for (const char* name : {"tree/a.ssd", "tree/b.ssd", "tree/c.ssd"})
+            folder.File(name, "x");
         desktop.clock_step = std::chrono::milliseconds(20);
     }
 
-    [[nodiscard]] static QWidget* Progress() {
-        const auto tops = QApplication::topLevelWidgets();
-        const auto found = std::ranges::find_if(tops, [](const QWidget* top) {
-            return top->objectName() == QStringLiteral("frmProgress") && top->isVisible();
-        });
-        return found == tops.end() ? nullptr : *found;
+    /// Lists the tree; `act` is called over and over with the progress window and its percents.
+    void RunListing(const std::function<void(QWidget&, int)>& act) {
+        desktop.folders = {tree};
+        desktop.files = {log};
+        desktop.on_pump = [&] {
+            if (QWidget* progress = Find("frmProgress"))
+                act(*progress, Part<QProgressBar>(*progress, "pb").value());
+        };
+        Choose("DiscEXDrive");
+        desktop.on_pump = nullptr;
+        EXPECT_EQ(Find("frmProgress"), nullptr);
     }
 
-    [[nodiscard]] static std::string Found() {
-        return Progress()->findChild<QLabel*>(QStringLiteral("txtImages"))->text().toStdString();
-    }
-
-    [[nodiscard]] static int Percent() {
-        return Progress()->findChild<QProgressBar*>(QStringLiteral("pb"))->value();
-    }
-
-    static void PressCancel() {
-        QTest::mouseClick(Progress()->findChild<QPushButton*>(QStringLiteral("Cancel")),
-                          Qt::LeftButton);
+    [[nodiscard]] static std::string Found(const QWidget& progress) {
+        return Part<QLabel>(progress, "txtImages").text().toStdString();
     }
 
     [[nodiscard]] long ImagesListed() const {
@@ -58,27 +46,23 @@ class ListingWindowTest : public MainWindowTest {
         return images;
     }
 
-    fs::path tree = folder.path() / "tree";
-    fs::path log = folder.path() / "exall.txt";
+    const fs::path tree = folder.path() / "tree";
+    const fs::path log = folder.path() / "exall.txt";
 };
 
 TEST_F(ListingWindowTest, TheWindowCountsAndTheDiscComesBackFromItsFile) {
     window->OpenDisc(CopyOfDisc("demo-gaps.ssd"));
     std::string found;
-    std::vector<int> percents;
-    desktop.on_pump = [&] {
-        if (Progress() == nullptr)
-            return;
-        found = Found();
-        if (percents.empty() || percents.back() != Percent())
-            percents.push_back(Percent());
+    std::vector<int> percents{-1};
+    RunListing([&](const QWidget& progress, int percent) {
+        found = Found(progress);
+        if (percents.back() != percent)
+            percents.push_back(percent);
         Choose("DiscEXDrive"); // a second one is refused
-    };
-    Choose("DiscEXDrive");
+    });
     EXPECT_EQ(found, "Found 3 Images");
-    EXPECT_THAT(percents, ElementsAre(0, 33, 66, 100));
+    EXPECT_THAT(percents, ElementsAre(-1, 0, 33, 66, 100));
     EXPECT_EQ(ImagesListed(), 3);
-    EXPECT_EQ(Progress(), nullptr);
     EXPECT_EQ(Title(), "Quoravel - demo-gaps.ssd");
     EXPECT_THAT(Names(0), ElementsAre("$.A", "$.C", "$.F", "D.D"));
     EXPECT_THAT(desktop.proposals, ElementsAre("exall.txt"));
@@ -87,37 +71,27 @@ TEST_F(ListingWindowTest, TheWindowCountsAndTheDiscComesBackFromItsFile) {
 
 TEST_F(ListingWindowTest, AFileThatLoadsNothingIsNotSavedOverWithTheLastImageListed) {
     window->OpenDisc(folder.File("plain", "mine"));
-    Choose("DiscEXDrive");
+    RunListing([](QWidget&, int) {});
     EXPECT_TRUE(Module1::gsFile.empty());
     EXPECT_EQ(Title(), "Quoravel - NewDisc.dsd");
 }
 
-TEST_F(ListingWindowTest, CancelEndsTheWalkAndTheListing) {
-    desktop.on_pump = [&] {
-        if (Progress() != nullptr && Found() == "Found 1 Image")
-            PressCancel();
-    };
-    Choose("DiscEXDrive");
+TEST_F(ListingWindowTest, CancelTheTitleBarAndTheEndOfTheProgramEndItAndKeepWhatIsListed) {
+    RunListing([](QWidget& progress, int) {
+        if (Found(progress) == "Found 1 Image")
+            Press(progress, "Cancel");
+    });
     EXPECT_EQ(TextOf(log), "");
-    EXPECT_EQ(Title(), "Quoravel - NewDisc.dsd");
-
-    desktop.folders = {tree};
-    desktop.files = {log};
-    desktop.on_pump = [&] {
-        if (Progress() != nullptr && Percent() == 66)
-            Progress()->close(); // the same by the title bar
-    };
-    Choose("DiscEXDrive");
+    RunListing([](QWidget& progress, int percent) {
+        if (percent == 66)
+            progress.close();
+    });
     EXPECT_EQ(ImagesListed(), 2);
-    EXPECT_EQ(Progress(), nullptr);
-}
-
-TEST_F(ListingWindowTest, ClosingTheProgramKeepsWhatHasBeenListed) {
-    desktop.on_pump = [&] {
-        if (Progress() != nullptr && Percent() == 33)
+    EXPECT_EQ(Title(), "Quoravel - NewDisc.dsd");
+    RunListing([this](QWidget&, int percent) {
+        if (percent == 33)
             window->close();
-    };
-    Choose("DiscEXDrive");
+    });
     EXPECT_EQ(desktop.quits, 1);
     EXPECT_EQ(ImagesListed(), 1);
     desktop.quitting = false;

@@ -4,8 +4,6 @@
 
 #include <QDialogButtonBox>
 #include <QProcess>
-#include <QPushButton>
-#include <QTimer>
 #include <QXmlStreamReader>
 
 namespace quoravel {
@@ -71,15 +69,6 @@ class PrintTest : public ViewTest {
         return words;
     }
 
-    static QStringList LinesOf(const View& view) {
-        QStringList lines;
-        for (const QString& line :
-             QString::fromLatin1(Text(view).Text().c_str()).split(QStringLiteral("\r\n")))
-            if (!line.trimmed().isEmpty())
-                lines.append(line.simplified());
-        return lines;
-    }
-
     /// Lines that are as wide as the paper and more than it holds.
     [[nodiscard]] View ShowWideLines() const {
         std::string lines;
@@ -111,62 +100,49 @@ class PrintTest : public ViewTest {
     const PrintDialogs real_ = print_dialogs();
 };
 
-TEST_F(PrintTest, EachLineIsPrintedOnce) {
-    window->OpenDisc(CopyOfDisc("demo-basic.ssd"));
-    for (const char* item : {"FileViewAsHex", "DiscViewAsEX", "DiscViewAsCAT"}) {
-        SCOPED_TRACE(item);
-        Click(0, 1);
-        const View view = Show(item);
-        Choose(view, "FilePrint");
-        EXPECT_EQ(PrintedLines(), LinesOf(view));
-    }
+TEST_F(PrintTest, EachLineIsPrintedOnceInItsStyleAndWithItsMarks) {
+    WordWise::DoubleStrike = true;
+    Choose(*ShowText("bold \x07\r\r" + std::string(300, 'x') + "\rend"), "FilePrint");
+    const QString printed = PrintedLines().join(u' ');
+    EXPECT_TRUE(printed.contains(u'7')) << "the mark's digits";
+    EXPECT_TRUE(printed.contains(QStringLiteral("bold")) && printed.endsWith(u"x end"));
+    EXPECT_EQ(printed.count(u'x'), 300);
+    EXPECT_FALSE(printed.contains(QString(200, u'x'))) << "wider than the paper";
+    EXPECT_TRUE(Run("pdffonts", {PathText()}).contains(QStringLiteral("Bold")));
 }
 
-TEST_F(PrintTest, LongLinesAreBrokenAndNothingIsLost) {
-    Choose(ShowText(std::string(3000, 'x') + "\r\rend"), "FilePrint");
-    QStringList lines = PrintedLines();
-    EXPECT_EQ(lines.takeLast(), QStringLiteral("end"));
-    EXPECT_GT(lines.size(), 20);
-    EXPECT_EQ(lines.join(QString()).size(), 3000);
-}
-
-TEST_F(PrintTest, WithoutAPageSetupTheBlockIsThatOfASmallPage) {
-    Choose(ShowWideLines(), "FilePrint");
-    ExpectTextIn({36, 36, 540 - 48, 648 - 48});
-}
-
-TEST_F(PrintTest, ThePageSetupDecidesTheBlock) {
+TEST_F(PrintTest, WithoutAPageSetupTheBlockIsThatOfASmallPageEvenIfTheWindowIsClosed) {
     const View view = ShowWideLines();
-    print_dialogs().page_setup = [](QPrinter& printer) {
-        printer.setPageLayout(QPageLayout(QPageSize(QPageSize::A5), QPageLayout::Landscape,
-                                          QMarginsF(20, 30, 40, 50), QPageLayout::Point));
-        return true;
-    };
-    Choose(view, "FilePageSetup");
-    Choose(view, "FilePrint");
-    const double width = 595 - 20 - 40;
-    const double height = 420 - 30 - 50;
-    ExpectTextIn({20 + 36, 30 + 36, width - 36 - 48, height - 36 - 48});
+    desktop.on_pump = [&] { view->close(); };
+    Choose(*view, "FilePrint");
+    desktop.on_pump = nullptr;
+    EXPECT_TRUE(view->IsClosed());
+    ExpectTextIn({36, 36, 540 - 48, 648 - 48});
+    EXPECT_EQ(PrintedLines().join(QString()).size(), 200 * 180);
 }
 
-TEST_F(PrintTest, EachWindowKeepsItsConfirmedPageSetup) {
-    const View view = ShowText("text");
+TEST_F(PrintTest, ThePageSetupOfAWindowDecidesItsBlock) {
+    const View view = ShowWideLines();
     bool agree = true;
     QPageSize::PageSizeId offered{};
     print_dialogs().page_setup = [&](QPrinter& printer) {
         offered = printer.pageLayout().pageSize().id();
-        printer.setPageSize(QPageSize(QPageSize::A3));
+        printer.setPageLayout(QPageLayout(QPageSize(QPageSize::A5), QPageLayout::Landscape,
+                                          QMarginsF(20, 30, 40, 50), QPageLayout::Point));
         return agree;
     };
-    Choose(view, "FilePageSetup");
-    EXPECT_NE(offered, QPageSize::A3);
-    Choose(view, "FilePageSetup");
-    EXPECT_EQ(offered, QPageSize::A3);
+    Choose(*view, "FilePageSetup");
+    Choose(*view, "FilePrint");
+    const double width = 595 - 20 - 40;
+    const double height = 420 - 30 - 50;
+    ExpectTextIn({20 + 36, 30 + 36, width - 36 - 48, height - 36 - 48});
+    Choose(*view, "FilePageSetup");
+    EXPECT_EQ(offered, QPageSize::A5);
 
-    const View other = ShowText("text");
     agree = false;
-    Choose(other, "FilePageSetup");
-    EXPECT_NE(offered, QPageSize::A3);
+    const View other = ShowText("text");
+    Choose(*other, "FilePageSetup");
+    EXPECT_NE(offered, QPageSize::A5);
     EXPECT_EQ(other->PageSetup, "");
 }
 
@@ -176,61 +152,38 @@ TEST_F(PrintTest, APaperTooSmallForTheBlockGetsALineAPage) {
         printer.setPageSize(QPageSize(QSizeF(90, 60), QPageSize::Point));
         return true;
     };
-    Choose(view, "FilePageSetup");
-    Choose(view, "FilePrint");
+    Choose(*view, "FilePageSetup");
+    Choose(*view, "FilePrint");
     EXPECT_GE(Run("pdfinfo", {PathText()}).count(QStringLiteral("Pages:")), 1);
 }
 
-TEST_F(PrintTest, StylesAndMarksArePrinted) {
-    WordWise::DoubleStrike = true;
-    Choose(ShowText("bold \x07"), "FilePrint");
-    EXPECT_TRUE(Run("pdffonts", {PathText()}).contains(QStringLiteral("Bold")));
-    EXPECT_TRUE(PrintedLines().join(u' ').contains(u'7')) << "the mark's digits";
-}
-
-TEST_F(PrintTest, CancelPrintsNothing) {
-    print_dialogs().print = [](QPrinter&) { return false; };
-    Choose(ShowText("text"), "FilePrint");
-    EXPECT_EQ(folder.Names(), std::vector<std::string>{"config"});
-}
-
-TEST_F(PrintTest, APrintThatCannotStartIsTold) {
-    print_dialogs().print = [](QPrinter& printer) {
-        printer.setOutputFileName(QStringLiteral("/nowhere/page.pdf"));
-        return true;
+TEST_F(PrintTest, CancelPrintsNothingAndAPrintThatCannotStartIsTold) {
+    bool agree = false;
+    print_dialogs().print = [&](QPrinter& printer) {
+        printer.setOutputFileName(agree ? QStringLiteral("/nowhere/page.pdf") : PathText());
+        return agree;
     };
-    Choose(ShowText("text"), "FilePrint");
+    const View view = ShowText("text");
+    Choose(*view, "FilePrint");
+    EXPECT_FALSE(std::filesystem::exists(folder.path() / "page.pdf"));
+    agree = true;
+    Choose(*view, "FilePrint");
     EXPECT_EQ(desktop.TakeBoxTexts(),
               std::vector<std::string>{"Cannot print to /nowhere/page.pdf"});
-}
-
-TEST_F(PrintTest, ClosingTheWindowLeavesThePrintingAlone) {
-    View view = ShowWideLines();
-    desktop.on_pump = [&] { view->close(); };
-    Choose(view, "FilePrint");
-    desktop.on_pump = nullptr;
-    EXPECT_TRUE(view->IsClosed());
-    EXPECT_EQ(PrintedLines().join(QString()).size(), 200 * 180);
 }
 
 TEST_F(PrintTest, TheDesktopsOwnDialogsWork) {
     print_dialogs() = real_;
     const View view = ShowText("really printed");
-    const auto answer = [&](const std::function<void(QDialog&)>& act) {
-        QTimer::singleShot(0, view.get(), [act] {
-            auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-            ASSERT_NE(dialog, nullptr);
-            act(*dialog);
-            dialog->accept();
-        });
-    };
-    answer([](QDialog& dialog) { EXPECT_NE(dialog.findChild<QDialogButtonBox*>(), nullptr); });
-    Choose(view, "FilePageSetup");
-    EXPECT_NE(view->PageSetup, "");
-    answer([&](QDialog& dialog) {
-        dialog.findChild<QLineEdit*>(QStringLiteral("filename"))->setText(PathText());
+    InDialog(*view, "FilePageSetup", [](QWidget& dialog) {
+        EXPECT_NE(dialog.findChild<QDialogButtonBox*>(), nullptr);
+        dynamic_cast<QDialog&>(dialog).accept();
     });
-    Choose(view, "FilePrint");
+    EXPECT_NE(view->PageSetup, "");
+    InDialog(*view, "FilePrint", [&](QWidget& dialog) {
+        Part<QLineEdit>(dialog, "filename").setText(PathText());
+        dynamic_cast<QDialog&>(dialog).accept();
+    });
     EXPECT_EQ(PrintedLines(), QStringList{QStringLiteral("really printed")});
 }
 

@@ -18,37 +18,28 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Runs `act` on the box or dialog that stands while `wait` waits for it.
+/// Does something to the box that stands next.
 template<class Act>
 void WhileItStands(const Act& act) {
     QTimer::singleShot(0, qApp, [act] {
-        QWidget* box = QApplication::activeModalWidget();
-        ASSERT_NE(box, nullptr);
-        act(*box);
+        ASSERT_NE(QApplication::activeModalWidget(), nullptr);
+        act(*QApplication::activeModalWidget());
     });
 }
 
-class QtHostTest : public testing::Test {
-  protected:
+TEST(QtHostTest, ABoxShowsItsTextAsItStandsAndKeysAnswerIt) {
     QtHost desktop;
-};
-
-TEST_F(QtHostTest, ABoxShowsItsTextAsItStands) {
     WhileItStands([](QWidget& box) {
         const auto& message = dynamic_cast<QMessageBox&>(box);
         EXPECT_EQ(message.text(), QStringLiteral("Cannot open <b>Größe</b>.ssd"));
         EXPECT_EQ(message.textFormat(), Qt::PlainText);
-        EXPECT_TRUE(box.isModal());
         QTest::keyClick(&box, Qt::Key_Return);
     });
     desktop.MsgBox("Cannot open <b>Größe</b>.ssd");
-}
-
-TEST_F(QtHostTest, EnterAnswersAQuestionWithYesAndEscapeWithNo) {
-    WhileItStands([](QWidget& box) { QTest::keyClick(&box, Qt::Key_Return); });
-    EXPECT_TRUE(desktop.AskYesNo("Save your changes now ?", "Changes will be lost"));
-    WhileItStands([](QWidget& box) { QTest::keyClick(&box, Qt::Key_Escape); });
-    EXPECT_FALSE(desktop.AskYesNo("Save your changes now ?", "Changes will be lost"));
+    for (const auto& [key, answer] : {std::pair(Qt::Key_Return, true), {Qt::Key_Escape, false}}) {
+        WhileItStands([key = key](QWidget& box) { QTest::keyClick(&box, key); });
+        EXPECT_EQ(desktop.AskYesNo("Save your changes now ?", "Changes will be lost"), answer);
+    }
 }
 
 /// Lets `wait` run under a real event loop, quits while it stands, and tells whether it unwound.
@@ -79,18 +70,18 @@ TEST(QtHostQuit, UnwindsEveryKindOfWait) {
     }));
 }
 
-TEST_F(QtHostTest, DoEventsKeepsItsPaceAndRunsWhatComes) {
-    int fired = 0;
-    QTimer timer;
-    QObject::connect(&timer, &QTimer::timeout, [&] { ++fired; });
-    timer.start(1ms);
+TEST(QtHostTest, DoEventsKeepsItsPaceAndRunsWhatComes) {
+    QtHost desktop;
+    bool fired = false;
+    QTimer::singleShot(1ms, qApp, [&] { fired = true; });
     const auto start = desktop.Now();
     desktop.DoEvents(20);
     EXPECT_GE(desktop.Now() - start, 20ms);
-    EXPECT_GT(fired, 0);
+    EXPECT_TRUE(fired);
 }
 
-TEST_F(QtHostTest, ALinkTellsHowItsOpenerEnded) {
+TEST(QtHostTest, ALinkTellsHowItsOpenerEnded) {
+    QtHost desktop;
     const TempFolder folder;
     std::filesystem::permissions(
         folder.File("xdg-open", "#!/bin/sh\necho no method for $1\nexit 3\n"),
@@ -116,7 +107,7 @@ TEST_F(QtHostTest, ALinkTellsHowItsOpenerEnded) {
     qputenv("PATH", path);
 }
 
-TEST_F(QtHostTest, ADocumentOfTheDesktopReachesTheProgram) {
+TEST(QtHostTest, ADocumentOfTheDesktopReachesTheProgram) {
     std::filesystem::path opened;
     App& app = dynamic_cast<App&>(*qApp);
     app.Event_OpenDocument = [&](const std::filesystem::path& file) { opened = file; };

@@ -8,30 +8,25 @@
 #include "disc/image_files.h"
 #include "disc/module1.h"
 #include "platform/qt/application.h"
-#include "platform/qt/listbox.h"
 #include "platform/qt/modal.h"
 #include "platform/qt/printing.h"
 #include "platform/qt/qt_host.h"
 #include "shell/frmMain.h"
 #include "support/quick_link.h"
 #include "support/temp_folder.h"
+#include "support/windows.h"
 
 #include <QDialog>
-#include <QDropEvent>
 #include <QElapsedTimer>
 #include <QFileOpenEvent>
-#include <QMenu>
-#include <QMimeData>
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
-#include <QUrl>
 
-#include <cstdio>
 #include <cstdlib>
-#include <fstream>
+#include <gtest/gtest.h>
+#include <iostream>
 #include <random>
-#include <unistd.h>
 
 namespace quoravel {
 namespace {
@@ -51,7 +46,7 @@ bool OneIn(int times) {
 
 template<class List>
 auto& OneOf(List& list) {
-    return list[static_cast<decltype(list.size())>(Below(static_cast<int>(list.size())))];
+    return *std::next(list.begin(), Below(static_cast<int>(list.size())));
 }
 
 long Setting(const char* name, long otherwise) {
@@ -60,31 +55,25 @@ long Setting(const char* name, long otherwise) {
 }
 
 [[noreturn]] void Fail(const std::string& what) {
-    std::fprintf(stderr, "FAILED: %s\n", what.c_str());
+    std::cerr << "FAILED: " << what << std::endl;
     std::abort(); // with a stack for the sanitizer to show
 }
 
-Bytes Whole(const fs::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
-/// The disc in memory as a double-sided file has it, made without the code under test.
+/// What an interleaved file of the disc in memory has to hold.
 Bytes BothSides() {
-    const auto block = Module1::DiscImg.Part(0, kDiscBytes);
-    const auto side = block.begin() + kDiscBytes / 2;
-    Bytes both;
-    for (std::ptrdiff_t track = 0; track < kDiscBytes / 2; track += 2560) {
-        both.insert(both.end(), block.begin() + track, block.begin() + track + 2560);
-        both.insert(both.end(), side + track, side + track + 2560);
-    }
-    return both;
+    Bytes expected;
+    for (int track = 0; track < 80; ++track)
+        for (int drive : {0, 1}) {
+            const auto side = Module1::DiscImg.Part(drive * 204800 + track * 2560, 2560);
+            expected.insert(expected.end(), side.begin(), side.end());
+        }
+    return expected;
 }
 
-/// Whether a saved file says what the disc in memory does. A single-sided one ends where the
+/// Whether a file holds what the disc in memory does. A single-sided one ends where the
 /// catalogue does.
 bool IsSavedIn(const fs::path& file) {
-    const Bytes bytes = Whole(file);
+    const Bytes bytes = BytesOf(file);
     const QString name = QString::fromStdString(file.filename().string()).toUpper();
     if (name.contains(QStringLiteral(".DSD")))
         return bytes == BothSides();
@@ -97,40 +86,40 @@ bool IsSavedIn(const fs::path& file) {
 class Playground {
   public:
     Playground() {
-        fs::create_directories(folder_.path() / "discs/below");
-        fs::create_directory(folder_.path() / "out");
+        fs::create_directories(path() / "discs/below");
+        fs::create_directory(path() / "out");
         for (const auto& disc : fs::directory_iterator(fs::path(TEST_DATA) / "discs"))
-            fs::copy_file(disc.path(), folder_.path() / "discs" / disc.path().filename());
+            fs::copy_file(disc.path(), path() / "discs" / disc.path().filename());
         for (const char* name : {"discs/below/odd.img", "discs/noise.dsd", "a", "b", "c.bas"}) {
             std::string noise(static_cast<std::size_t>(Below(3000)), ' ');
             for (char& c : noise)
                 c = static_cast<char>(dice());
-            static_cast<void>(folder_.File(name, noise));
+            folder_.File(name, noise);
         }
-        static_cast<void>(folder_.File("a.inf", "$.SIDECAR FF1900 FF8023 L"));
-        static_cast<void>(folder_.File("tavrilo.bas", "10 REM\r20 REM\r"));
+        folder_.File("a.inf", "$.SIDECAR FF1900 FF8023 L");
+        folder_.File("tavrilo.bas", "10 REM\r20 REM\r");
     }
 
     [[nodiscard]] const fs::path& path() const { return folder_.path(); }
 
     /// Some file, or some place for one.
     [[nodiscard]] fs::path Any() const {
-        static const std::vector<fs::path> names{"discs/demo-basic.ssd",
-                                                 "discs/demo-wordwise.ssd",
-                                                 "discs/demo-dual.dsd",
-                                                 "new.ssd",
-                                                 "discs/demo-gaps.ssd",
-                                                 "discs/demo-text.ssd",
-                                                 "discs/noise.dsd",
-                                                 "new.dsd",
-                                                 "discs/below/odd.img",
-                                                 "a",
-                                                 "b",
-                                                 "c.bas",
-                                                 "a.inf",
-                                                 "text.txt",
-                                                 "nowhere/x.ssd",
-                                                 "discs"};
+        static const std::vector<const char*> names{"discs/demo-basic.ssd",
+                                                    "discs/demo-wordwise.ssd",
+                                                    "discs/demo-dual.dsd",
+                                                    "new.ssd",
+                                                    "discs/demo-gaps.ssd",
+                                                    "discs/demo-text.ssd",
+                                                    "discs/noise.dsd",
+                                                    "new.dsd",
+                                                    "discs/below/odd.img",
+                                                    "nowhere/x.ssd",
+                                                    "text.txt",
+                                                    "a.inf",
+                                                    "c.bas",
+                                                    "discs",
+                                                    "a",
+                                                    "b"};
         return path() / OneOf(names);
     }
 
@@ -203,8 +192,10 @@ class Desktop : public QtHost {
 /// One run of the program and the user in front of it.
 class Session {
   public:
-    Session(const Playground& playground, App& app)
-        : playground_(playground), desktop_(playground), app_(app), link_(Plugged()) {
+    explicit Session(const Playground& playground) : playground_(playground), desktop_(playground) {
+        ListPortsWith([] {
+            return std::vector<PortInfo>{{QStringLiteral("Cable"), QStringLiteral("/nowhere")}};
+        });
         app_.Event_OpenDocument = [this](const fs::path& file) { window_.OpenDisc(file); };
         print_dialogs() = {[this](QPrinter&) { return desktop_.Stand(); },
                            [this](QPrinter& printer) {
@@ -218,20 +209,23 @@ class Session {
             if (OneIn(40) && !reply.bytes.empty())
                 reply.bytes[reply.bytes.size() / 2] ^= 1;
         };
-        hand_.setInterval(0);
         QObject::connect(&hand_, &QTimer::timeout, &hand_, [this] {
             QTimer::singleShot(0, &hand_, [this] { Act(); }); // no timer runs inside itself
         });
     }
 
-    ~Session() { app_.Event_OpenDocument = nullptr; }
+    ~Session() {
+        app_.Event_OpenDocument = nullptr;
+        print_dialogs() = real_dialogs_;
+        ListPortsWith({});
+    }
 
     /// Gives the number of actions.
     long Run(long milliseconds) {
         Guarded([this] { window_.Event_Open(); });
         end_ = milliseconds;
         clock_.start();
-        hand_.start();
+        hand_.start(0);
         App::exec();
         hand_.stop();
         if (QApplication::overrideCursor() != nullptr)
@@ -244,47 +238,25 @@ class Session {
     static constexpr int kDeepest = 6;        ///< waits inside waits, then the user leaves some
     static constexpr int kPatience = 300'000; ///< milliseconds for the program to end
 
-    CompanionDouble& Plugged() {
-        ListPortsWith([] {
-            return std::vector<PortInfo>{{QStringLiteral("Cable"), QStringLiteral("/nowhere")}};
-        });
-        return micro_;
-    }
-
     void Act() {
         if (clock_.elapsed() > end_ + kPatience) {
             const QWidget* modal = QApplication::activeModalWidget();
-            Fail("the program does not end after " + std::to_string(leaves_) + " tries" +
+            Fail("the program does not end" +
                  (modal == nullptr ? "" : ", there is a " + modal->objectName().toStdString()) +
                  (desktop_.IsQuitting() ? ", it is quitting" : ""));
         }
         ++actions_;
         ++depth_;
-        if (clock_.elapsed() > end_)
-            Leave(true);
-        else if (depth_ > kDeepest)
-            Leave(false);
-        else
-            AnyAction();
+        const auto windows = WindowsInReach();
+        if (clock_.elapsed() > end_ || depth_ > kDeepest)
+            Leave(clock_.elapsed() > end_);
+        else if (!windows.empty())
+            AnyAction(*OneOf(windows));
         --depth_;
-    }
-
-    [[nodiscard]] std::vector<QWidget*> Windows() const {
-        QWidget* front = QApplication::activePopupWidget();
-        if (front == nullptr)
-            front = QApplication::activeModalWidget();
-        if (front != nullptr)
-            return {front};
-        std::vector<QWidget*> windows;
-        for (QWidget* top : QApplication::topLevelWidgets())
-            if (top->isVisible() && top->isEnabled())
-                windows.push_back(top);
-        return windows;
     }
 
     /// Ends waits; with `all` also the program.
     void Leave(bool all) {
-        leaves_ += all ? 1 : 0;
         if (auto* front = QApplication::activePopupWidget())
             front->close();
         else if (auto* dialog = QApplication::activeModalWidget())
@@ -298,75 +270,36 @@ class Session {
             QTest::keyClick(focus, Qt::Key_Escape);
     }
 
-    void AnyAction() {
-        const auto windows = Windows();
-        if (windows.empty())
-            return;
-        QWidget& window = *OneOf(windows);
+    void AnyAction(QWidget& window) {
         if (QApplication::activePopupWidget() == nullptr)
             QApplication::setActiveWindow(&window);
-        switch (Below(12)) {
-        case 0:
-        case 1:
-        case 2:
-            return Command(window);
-        case 3:
-        case 4:
-            return Press(window);
-        case 5:
-        case 6:
-            return Type(window);
-        case 7:
-        case 8:
-            return Click(window);
-        case 9:
-            return Drop();
-        case 10:
-            window.resize(100 + Below(900), 100 + Below(700));
-            return window.move(Below(1000) - 200, Below(800) - 200);
-        default:
-            return RareAction(window);
-        }
+        const int kind = Below(10);
+        if (kind < 4)
+            Command(window);
+        else if (kind < 6)
+            Type(window);
+        else if (kind < 8)
+            Click(window);
+        else if (kind == 8)
+            FromOutside();
+        else
+            window.setGeometry(Below(1000) - 200, Below(800) - 200, 100 + Below(900),
+                               100 + Below(700));
     }
 
-    void RareAction(QWidget& window) {
-        if (&window != &window_ && OneIn(3)) {
-            window.close();
-        } else if (OneIn(4)) {
-            QFileOpenEvent document(QString::fromStdString(playground_.Any().string()));
-            QCoreApplication::sendEvent(&app_, &document);
-        } else if (OneIn(200)) {
-            window_.close();
-        }
-    }
-
+    /// Any menu item or button that is enabled, or the end of the window.
     void Command(QWidget& window) {
-        for (QMenu* menu : window.findChildren<QMenu*>())
-            Q_EMIT menu->aboutToShow();
-        std::vector<QAction*> items;
-        for (QAction* item : window.findChildren<QAction*>())
-            if (item->isEnabled() && !item->objectName().isEmpty() && item->menu() == nullptr)
-                items.push_back(item);
-        if (items.empty())
+        Deeds deeds;
+        AddDeeds(window, deeds);
+        const auto& [name, act] = OneOf(deeds);
+        if ((name.ends_with("/FileQuit") || name == "close frmMain") && !OneIn(50))
             return;
-        QAction& item = *OneOf(items);
-        const QString name = item.objectName();
-        if (name == QStringLiteral("FileQuit") && !OneIn(50))
-            return;
+        const bool saves = name.starts_with("frmMain/DiscSave");
         const int before = desktop_.hindrances;
-        item.trigger();
-        if (name.startsWith(QStringLiteral("DiscSave")) && desktop_.hindrances == before &&
-            !desktop_.IsQuitting() && !IsSavedIn(Module1::gsFile))
+        act();
+        if (saves && desktop_.hindrances == before && !desktop_.IsQuitting() &&
+            !IsSavedIn(Module1::gsFile))
             Fail("saved wrong bytes to " + Module1::gsFile.string());
-    }
-
-    static void Press(QWidget& window) {
-        std::vector<QPushButton*> buttons;
-        for (auto* button : window.findChildren<QPushButton*>())
-            if (button->isVisible() && button->isEnabled())
-                buttons.push_back(button);
-        if (!buttons.empty())
-            OneOf(buttons)->click();
     }
 
     static void Type(QWidget& window) {
@@ -376,13 +309,10 @@ class Session {
             Qt::Key_A,      Qt::Key_Z,        Qt::Key_C,    Qt::Key_V,    Qt::Key_F,
             Qt::Key_G,      Qt::Key_7,        Qt::Key_Menu, Qt::Key_Space};
         QWidget* focus = QApplication::focusWidget();
-        QWidget& target = focus != nullptr && focus->window() == &window ? *focus : window;
-        for (int times = Below(4); times >= 0; --times) {
-            const QPointer<QWidget> still(&target);
-            QTest::keyClick(&target, OneOf(keys), OneIn(6) ? Qt::ControlModifier : Qt::NoModifier);
-            if (still.isNull() || !still->isVisible())
-                return;
-        }
+        const QPointer<QWidget> target =
+            focus != nullptr && focus->window() == &window ? focus : &window;
+        for (int times = Below(4); times >= 0 && !target.isNull() && target->isVisible(); --times)
+            QTest::keyClick(target, OneOf(keys), OneIn(6) ? Qt::ControlModifier : Qt::NoModifier);
     }
 
     static void Click(QWidget& window) {
@@ -397,78 +327,58 @@ class Session {
             QTest::mouseClick(&target, OneIn(4) ? Qt::RightButton : Qt::LeftButton, keys, there);
     }
 
-    void Drop() {
-        if (QApplication::activeModalWidget() != nullptr)
-            return;
-        QMimeData data;
-        QList<QUrl> urls;
-        for (int files = Below(5); files >= 0; --files)
-            urls.append(QUrl::fromLocalFile(QString::fromStdString(playground_.Any().string())));
-        data.setUrls(urls);
-        auto* list = window_.findChild<Listbox*>(QStringLiteral("lvwDB(%1)").arg(Below(2)));
-        if (!list->isVisible())
-            return;
-        QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
-        QCoreApplication::sendEvent(list->viewport(), &enter);
-        QDropEvent drop({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
-        QCoreApplication::sendEvent(list->viewport(), &drop);
+    /// What the desktop brings: files that are dropped, or one to open.
+    void FromOutside() {
+        const auto& list = Part<Listbox>(window_, OneIn(2) ? "lvwDB(0)" : "lvwDB(1)");
+        if (OneIn(4)) {
+            QFileOpenEvent document(QString::fromStdString(playground_.Any().string()));
+            QCoreApplication::sendEvent(&app_, &document);
+        } else if (list.isVisible() && QApplication::activeModalWidget() == nullptr) {
+            std::vector<fs::path> files(static_cast<std::size_t>(1 + Below(5)));
+            std::ranges::generate(files, [this] { return playground_.Any(); });
+            Drop(list, files);
+        }
     }
 
     /// A double-sided file holds the whole block, so it must come back.
     void CheckRoundTrip() const {
         const Bytes before = BothSides();
         const fs::path file = playground_.path() / "round.dsd";
-        if (SaveDisc_DSD(file) || Whole(file) != before || LoadDisc_DSD(file) ||
+        if (SaveDisc_DSD(file) || BytesOf(file) != before || LoadDisc_DSD(file) ||
             BothSides() != before)
             Fail("saving and loading changes the disc");
     }
 
     const Playground& playground_;
+    const PrintDialogs real_dialogs_ = print_dialogs();
     Desktop desktop_;
-    App& app_;
+    App& app_ = static_cast<App&>(*qApp);
     CompanionDouble micro_;
     frmMain window_;
-    QuickLink link_;
+    QuickLink link_{micro_};
     QTimer hand_;
     QElapsedTimer clock_;
     long end_ = 0;
     long actions_ = 0;
     int depth_ = 0;
-    int leaves_ = 0; ///< how often the user has tried to end the program
 };
 
-long Resident() {
-    long all = 0;
-    long resident = 0;
-    std::ifstream("/proc/self/statm") >> all >> resident;
-    return resident * (sysconf(_SC_PAGESIZE) / 1024);
-}
-
-int Main(int argc, char** argv) {
+TEST(RandomUser, DoesNoHarm) {
     constexpr long kLongestSession = 20'000; // milliseconds
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    App app(argc, argv);
-    const auto seed = Setting("QUORAVEL_RANDOM_SEED", 1);
+    const long seed = Setting("QUORAVEL_RANDOM_SEED", 1);
     const long time = Setting("QUORAVEL_RANDOM_SECONDS", 5) * 1000;
     dice.seed(static_cast<unsigned>(seed));
     const Playground playground;
     QElapsedTimer clock;
     clock.start();
     long actions = 0;
-    int sessions = 0;
-    while (clock.elapsed() < time) {
-        actions += Session(playground, app)
+    for (int sessions = 1; clock.elapsed() < time; ++sessions) {
+        actions += Session(playground)
                        .Run(std::min(kLongestSession, time - static_cast<long>(clock.elapsed())));
-        std::printf("seed %ld: %d sessions, %ld actions, %lld s, %ld KB\n", seed, ++sessions,
-                    actions, static_cast<long long>(clock.elapsed()) / 1000, Resident());
-        std::fflush(stdout);
+        std::cout << "seed " << seed << ": " << sessions << " sessions, " << actions << " actions, "
+                  << clock.elapsed() / 1000 << " s" << std::endl;
     }
-    return 0;
 }
 
 } // namespace
 } // namespace quoravel
-
-int main(int argc, char** argv) {
-    return quoravel::Main(argc, argv);
-}

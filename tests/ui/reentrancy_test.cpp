@@ -11,20 +11,16 @@
 #include "view/frmView.h"
 
 #include <QDialog>
-#include <QDropEvent>
 #include <QFileOpenEvent>
 #include <QLineEdit>
-#include <QMenuBar>
-#include <QMimeData>
 #include <QPointer>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QTimer>
-#include <QUrl>
 
+#include <algorithm>
 #include <chrono>
 #include <gmock/gmock.h>
-#include <map>
 
 namespace quoravel {
 namespace {
@@ -69,8 +65,7 @@ class HastyPerson : public UiHost {
         Stand("box");
     }
 
-    bool AskYesNo(std::string_view text, std::string_view title) override {
-        questions.push_back({std::string(text), std::string(title)});
+    bool AskYesNo(std::string_view, std::string_view) override {
         Stand("question");
         return false;
     }
@@ -151,26 +146,19 @@ class HastyPerson : public UiHost {
     std::chrono::steady_clock::time_point since_;
 };
 
-/// What a person can do, by names such as "frmMain/DiscCompactDisc" or "close frmRX".
-using Deeds = std::map<std::string, std::function<void()>>;
-
-/// The program with a disc of the user's in it, one complete view and one micro at the cable.
-class Reentrancy : public testing::Test {
+/// The program with a disc of the user's in it and a micro at the cable.
+class Reentrancy : public MainWindowTest {
   public:
-    HastyPerson person;
-    TempFolder folder;
+    Reentrancy() : MainWindowTest(std::make_unique<HastyPerson>()) {}
+
+    using MainWindowTest::Choose;
+    using MainWindowTest::folder;
+    using MainWindowTest::List;
+    using MainWindowTest::window;
+    HastyPerson& person = static_cast<HastyPerson&>(desktop);
     CompanionDouble micro;
-    std::unique_ptr<frmMain> window;
     bool closed = false;  ///< by CloseOnce
     bool printed = false; ///< the print dialog was left with OK
-
-    void Choose(const char* name) const {
-        for (QMenu* menu : window->findChildren<QMenu*>())
-            Q_EMIT menu->aboutToShow();
-        auto* item = window->findChild<QAction*>(QLatin1StringView(name));
-        ASSERT_TRUE(item->isEnabled()) << name;
-        item->trigger();
-    }
 
     /// Chooses a command on a row of drive 0.
     void Choose(const char* name, int row) const {
@@ -184,26 +172,7 @@ class Reentrancy : public testing::Test {
         Choose("DiscViewAsCAT");
         const auto view = Module1::gViewForm.lock();
         QApplication::setActiveWindow(view.get());
-        view->findChild<QAction*>(QLatin1StringView(name))->trigger();
-    }
-
-    [[nodiscard]] Listbox& List(int drive) const {
-        return *window->findChild<Listbox*>(QStringLiteral("lvwDB(%1)").arg(drive));
-    }
-
-    [[nodiscard]] static QWidget* Find(const char* name) {
-        for (QWidget* top : QApplication::topLevelWidgets())
-            if (top->objectName() == QLatin1StringView(name) && top->isVisible())
-                return top;
-        return nullptr;
-    }
-
-    /// Presses a button of a dialog as soon as that stands.
-    void PressLater(const char* dialog, const char* button) const {
-        QTimer::singleShot(0, window.get(), [=] {
-            if (const auto* top = Find(dialog))
-                top->findChild<QPushButton*>(QLatin1StringView(button))->click();
-        });
+        Choose(*view, name);
     }
 
     /// Closes a window as soon as it stands; true from then on.
@@ -216,71 +185,52 @@ class Reentrancy : public testing::Test {
         return closed;
     }
 
-    void Drop(int drive) const {
-        QMimeData data;
-        data.setUrls({Url("import1"), Url("import2")});
-        QWidget& target = *List(drive).viewport();
-        QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
-        QCoreApplication::sendEvent(&target, &enter);
-        QDropEvent drop({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
-        QCoreApplication::sendEvent(&target, &drop);
+    void DropFiles(int drive) const {
+        Drop(List(drive), {folder.path() / "import1", folder.path() / "import2"});
         QCoreApplication::processEvents(); // the import follows the drop
     }
 
   protected:
     void SetUp() override;
     void TearDown() override;
-    void Start();
+    void StartAnew();
     [[nodiscard]] Deeds Reachable() const;
     void ExpectWhole() const;
-    void QuitByMenu();
 
-    fs::path disc;
+    const fs::path disc = folder.path() / "disc.dsd";
 
   private:
-    [[nodiscard]] QUrl Url(const char* name) const {
-        return QUrl::fromLocalFile(QString::fromStdString((folder.path() / name).string()));
-    }
-
     void MakeDisc() const;
     void ConnectNewMicro();
-    void AnswerPrintDialogs();
 
     std::unique_ptr<QuickLink> link_;
     const PrintDialogs real_dialogs_ = print_dialogs();
 };
 
 void Reentrancy::SetUp() {
-    for (const char* name : {"config", "out", "images"})
+    MainWindowTest::SetUp();
+    for (const char* name : {"out", "images"})
         fs::create_directory(folder.path() / name);
     for (const char* name : {"images/a.ssd", "images/b.ssd", "import1", "import2"})
         static_cast<void>(folder.File(name, "of somebody else"));
     static_cast<void>(folder.File("tavrilo.bas", "10 REM\r20 REM\r"));
-    disc = folder.path() / "disc.dsd";
-    person.preferences_folder = folder.path() / "config";
-    person.state_folder = folder.path() / "state";
     person.program_folder = folder.path();
-    ListPortsWith([] {
-        return std::vector<PortInfo>{{QStringLiteral("Cable"), QStringLiteral("/nowhere")}};
-    });
-    AnswerPrintDialogs();
+    PlugInCable();
+    print_dialogs() = {[this](QPrinter&) {
+                           person.Stand("page setup");
+                           return true;
+                       },
+                       [this](QPrinter& printer) {
+                           person.Stand("print dialog");
+                           printer.setOutputFileName(
+                               QString::fromStdString((folder.path() / "page.pdf").string()));
+                           return printed = true;
+                       }};
     static_cast<App*>(qApp)->Event_OpenDocument = [this](const auto& f) {
         // One that waited for a dialog of an earlier program comes between two or in the next one,
         // and its file has gone.
         if (window && fs::exists(f))
             window->OpenDisc(f);
-    };
-}
-
-void Reentrancy::AnswerPrintDialogs() {
-    print_dialogs().page_setup = [this](QPrinter&) {
-        person.Stand("page setup");
-        return true;
-    };
-    print_dialogs().print = [this](QPrinter& printer) {
-        person.Stand("print dialog");
-        printer.setOutputFileName(Url("page.pdf").toLocalFile());
-        return printed = true;
     };
 }
 
@@ -291,7 +241,7 @@ void Reentrancy::TearDown() {
     person.Restart();
     static_cast<App*>(qApp)->Event_OpenDocument = nullptr;
     print_dialogs() = real_dialogs_;
-    ListPortsWith({});
+    MainWindowTest::TearDown();
 }
 
 /// Four files, so that each renderer has something to do.
@@ -299,19 +249,16 @@ void Reentrancy::MakeDisc() const {
     std::string basic;
     for (char line = 1; line < 20; ++line)
         basic += std::string{'\r', 0, line, 5, '\xF1'};
+    basic += "\r\xFF";
     std::string words = "some words\r\x02ZZ\x01";
     for (int i = 0; i < 20; ++i)
         words += "a line with \x02US\x01 commands\r";
     const auto length = [](const std::string& text) { return static_cast<unsigned>(text.size()); };
-    basic += "\r\xFF";
+    constexpr unsigned kDocument = 0x3FFFF; // load and exec address
     DiscBuilder(1);
     DiscBuilder(0)
         .Title("THE USERS")
-        .File({.name = "WORDS",
-               .load = 0x3FFFF,
-               .exec = 0x3FFFF,
-               .length = length(words),
-               .sector = 8})
+        .File({"WORDS", '$', false, kDocument, kDocument, length(words), 8})
         .File({.name = "TEXT", .length = 200, .sector = 6})
         .File({.name = "CODE", .length = 60, .sector = 4})
         .File({.name = "BASIC", .length = length(basic), .sector = 2})
@@ -330,17 +277,17 @@ void Reentrancy::ConnectNewMicro() {
         side.assign(102400, 0);
     Module1::RXLen = 0;
     Module1::RXHead = Module1::RXTail;
+    if (!link_)
+        link_ = std::make_unique<QuickLink>(micro);
 }
 
-void Reentrancy::Start() {
+void Reentrancy::StartAnew() {
     person.Rest();
-    if (!window || person.quitting) {
+    if (person.quitting) {
         link_.reset();
         window.reset();
         person.Restart();
-        window = std::make_unique<frmMain>();
-        window->Event_Open();
-        link_ = std::make_unique<QuickLink>(micro);
+        Start();
     }
     QApplication::setActiveWindow(window.get());
     MakeDisc();
@@ -361,47 +308,21 @@ void Reentrancy::Start() {
     EXPECT_THAT(person.TakeBoxTexts(), testing::IsEmpty()) << "something still seems to go on";
 }
 
-/// The entries of a menu bar that are enabled once its menus have been opened.
-void AddItems(const QWidget& window, const std::string& name, Deeds& deeds) {
-    for (QMenu* menu : window.findChildren<QMenu*>())
-        Q_EMIT menu->aboutToShow();
-    for (QAction* item : window.findChildren<QAction*>())
-        if (item->isEnabled() && !item->isSeparator() && item->menu() == nullptr &&
-            !item->objectName().isEmpty())
-            deeds[name + "/" + item->objectName().toStdString()] = [item] { item->trigger(); };
-}
-
-void AddButtons(const QWidget& window, const std::string& name, Deeds& deeds) {
-    for (auto* button : window.findChildren<QPushButton*>())
-        if (button->isVisible() && button->isEnabled())
-            deeds[name + "/" + button->objectName().toStdString()] = [button] { button->click(); };
-}
-
 /// All that a person, or the desktop, can do now.
 Deeds Reentrancy::Reachable() const {
     Deeds deeds;
-    const QWidget* modal = QApplication::activeModalWidget();
-    for (QWidget* top : QApplication::topLevelWidgets()) {
-        if (!top->isVisible() || !top->isEnabled() || (modal != nullptr && modal != top))
-            continue;
-        std::string name = top->objectName().toStdString();
-        if (name == "frmView")
-            name += " " + top->windowTitle().toStdString();
-        AddItems(*top, name, deeds);
-        AddButtons(*top, name, deeds);
-        deeds["close " + name] = [top] { top->close(); };
+    for (QWidget* top : WindowsInReach()) {
+        AddDeeds(*top, deeds);
         if (top == window.get())
             for (int drive : {0, 1})
-                deeds["drop on " + std::to_string(drive)] = [this, drive] { Drop(drive); };
+                deeds["drop on " + std::to_string(drive)] = [this, drive] { DropFiles(drive); };
     }
     deeds["the session ends"] = [] { QApplication::closeAllWindows(); };
     deeds["a document comes"] = [this] {
         QFileOpenEvent event(QString::fromStdString(disc.string()));
         QCoreApplication::sendEvent(qApp, &event);
     };
-    deeds["the lists are refreshed"] = [this] {
-        window->findChild<QTimer*>(QStringLiteral("tmrRefresh"))->start(0);
-    };
+    deeds["the lists are refreshed"] = [this] { Part<QTimer>(*window, "tmrRefresh").start(0); };
     return deeds;
 }
 
@@ -412,20 +333,14 @@ void Reentrancy::ExpectWhole() const {
     if (person.quitting)
         return;
     std::vector<QPointer<QWidget>> others;
-    for (QWidget* top : QApplication::topLevelWidgets())
-        if (top != window.get() && top->isVisible())
+    for (QWidget* top : WindowsInReach())
+        if (top != window.get())
             others.emplace_back(top);
     for (const auto& other : others)
         EXPECT_TRUE(other.isNull() || other->close()) << "a window stays";
     EXPECT_TRUE(window->isVisible() && window->isEnabled());
     const LinkUse use;
     EXPECT_TRUE(use) << "the cable is still in use";
-}
-
-void Reentrancy::QuitByMenu() {
-    Start();
-    Choose("FileQuit");
-    EXPECT_EQ(person.quits, 1);
 }
 
 /// A wait: how to get into it, and when it stands.
@@ -440,7 +355,7 @@ void PrintTo(const Wait& wait, std::ostream* out) {
 }
 
 bool Stands(const char* window) {
-    return Reentrancy::Find(window) != nullptr;
+    return Find(window) != nullptr;
 }
 
 bool ViewFills(Reentrancy& /*t*/) {
@@ -448,7 +363,7 @@ bool ViewFills(Reentrancy& /*t*/) {
 }
 
 void StartBootstrap(Reentrancy& t) {
-    t.PressLater("frmFirst", "cmdOK");
+    QTimer::singleShot(0, t.window.get(), [] { Press(*Find("frmFirst"), "cmdOK"); });
     t.Choose("TavriloSendBasicProgram");
 }
 
@@ -457,17 +372,14 @@ bool Types() {
 }
 
 bool MayCancelTyping() {
-    const QWidget* first = Reentrancy::Find("frmFirst");
-    return first->findChild<QPushButton*>(QStringLiteral("cmdCancel"))->isEnabled();
+    return Part<QPushButton>(*Find("frmFirst"), "cmdCancel").isEnabled();
 }
 
 /// The console with a command that the micro is slow to answer.
 void RunStarCommand(Reentrancy& t) {
     t.micro.spoil = [](CompanionDouble::Reply& reply) { reply.delay = 50ms; };
     QTimer::singleShot(0, t.window.get(), [] {
-        auto* field = Reentrancy::Find("frmCLI")->findChild<QLineEdit*>();
-        field->setText(QStringLiteral("CAT"));
-        QTest::keyClick(field, Qt::Key_Return);
+        QTest::keyClick(&Part<QLineEdit>(*Find("frmCLI"), "txtCmd"), Qt::Key_Return);
     });
     t.Choose("TavriloCli");
 }
@@ -487,8 +399,8 @@ void ListImages(Reentrancy& t) {
 }
 
 int PercentListed() {
-    const QWidget* progress = Reentrancy::Find("frmProgress");
-    return progress == nullptr ? -1 : progress->findChild<QProgressBar*>()->value();
+    const QWidget* progress = Find("frmProgress");
+    return progress == nullptr ? -1 : Part<QProgressBar>(*progress, "pb").value();
 }
 
 // clang-format off
@@ -507,7 +419,7 @@ constexpr Wait kWaits[] = {
                       [](auto& t) { return t.List(0).IsEditing(1, 0); }},
     {"export",        [](auto& t) { t.Choose("FileSelectAll"); t.Choose("FileExportFile"); },
                       [](auto& t) { return !fs::is_empty(t.folder.path() / "out"); }},
-    {"import",        [](auto& t) { t.Drop(1); },                 [](auto&) { return Module1::gDirty; }},
+    {"import",        [](auto& t) { t.DropFiles(1); },                 [](auto&) { return Module1::gDirty; }},
     {"folder walk",   ListImages,                                 [](auto&) { return PercentListed() == 0; }},
     {"listing",       ListImages,                                 [](auto&) { return PercentListed() > 0; }},
     {"printing",      [](auto& t) { t.ChooseInView("FilePrint"); }, [](auto& t) { return t.printed; }},
@@ -564,7 +476,7 @@ class Waits : public Reentrancy, public testing::WithParamInterface<Wait> {
   protected:
     /// Enters the wait and runs `act` inside.
     void Cross(const std::function<void()>& act) {
-        Start();
+        StartAnew();
         person.Await([this] { return GetParam().inside(*this); }, act);
         GetParam().enter(*this);
         for (int turn = 0; turn < 3; ++turn) // what is queued, timers, what they queue
@@ -589,7 +501,9 @@ TEST_P(Waits, WhateverIsDoneInsideTheProgramGoesOn) {
         });
         EXPECT_TRUE(person.quitting || !EndsTheProgram(name, GetParam())) << "the program goes on";
     }
-    QuitByMenu();
+    StartAnew();
+    Choose("FileQuit");
+    EXPECT_EQ(person.quits, 1);
 }
 
 /// A box over a view that was closed during a transfer went with the view.
@@ -605,9 +519,9 @@ TEST(WindowInUse, IsNoneThatHasJustBeenClosed) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Reentrancy, Waits, testing::ValuesIn(kWaits), [](const auto& wait) {
-    std::string name;
-    for (const char c : std::string(wait.param.name))
-        name += std::isalnum(static_cast<unsigned char>(c)) != 0 ? c : '_';
+    std::string name = wait.param.name;
+    std::ranges::replace_if(
+        name, [](char c) { return c == ' ' || c == '\''; }, '_');
     return name;
 });
 

@@ -3,33 +3,20 @@
 #include "support/wordwise_documents.h"
 #include "view/wordwise/state.h"
 
-#include <QPointer>
 #include <QTextBlock>
 
 namespace quoravel {
 namespace {
 
-/// The demonstration disc with one of its documents shown, and documents on a disc of their own.
 class WordwiseWindowTest : public ViewTest {
   protected:
-    [[nodiscard]] View ShowDocument(std::string_view name) {
-        window->OpenDisc(CopyOfDisc("demo-wordwise.ssd"));
-        const auto names = Names(0);
-        Click(0, static_cast<int>(std::ranges::find(names, name) - names.begin()));
-        return Show("FileViewAsWordwise");
-    }
-
-    void PutDocument(std::string_view written, std::uint32_t exec = 0x3FFFF) const {
+    [[nodiscard]] View ShowDocument(std::string_view written, std::uint32_t exec = 0x3FFFF) const {
         const std::string bytes = Document(written);
         DiscBuilder()
-            .File({.name = "DOC",
-                   .load = 0x3FFFF,
-                   .exec = exec,
-                   .length = static_cast<std::uint32_t>(bytes.size()),
-                   .sector = 2})
+            .File({"DOC", '$', false, 0x3FFFF, exec, static_cast<std::uint32_t>(bytes.size()), 2})
             .Data(2, bytes);
         window->GetRootTitles(0);
-        Click(0, 0);
+        return Show("FileViewAsWordwise");
     }
 
     /// A line of the control with tags where the styles change.
@@ -48,77 +35,42 @@ class WordwiseWindowTest : public ViewTest {
 };
 
 TEST_F(WordwiseWindowTest, AReportShowsItsStylesFromItsFirstLineOn) {
-    const View view = ShowDocument("R.REPORT");
+    window->OpenDisc(CopyOfDisc("demo-wordwise.ssd"));
+    const auto names = Names(0);
+    Click(0, static_cast<int>(std::ranges::find(names, "R.REPORT") - names.begin()));
+    const View view = Show("FileViewAsWordwise");
     EXPECT_EQ(Title(view), "View File - R.REPORT");
-    EXPECT_EQ(view->gName, "R.REPORT");
     EXPECT_TRUE(Text(view).Text().starts_with("\r\n               Harbour Report\r\n"));
     EXPECT_EQ(StyledLine(view, 3), "                THE HARBOUR is bold");
     EXPECT_EQ(StyledLine(view, 6), "1821 and 1829, when <u>stone from the quarry</u> at");
     EXPECT_EQ(Text(view).document()->blockCount(), 2 * 24 + 1);
     EXPECT_EQ(Text(view).ScrollPosition(), 0);
+    EXPECT_EQ(Text(view).width(), 611 + 50) << "long lines shall fit";
 }
 
-TEST_F(WordwiseWindowTest, ALastLineWithoutAnEndIsThere) {
-    PutDocument("one\ntwo");
-    const View view = Show("FileViewAsWordwise");
-    EXPECT_EQ(Text(view).Text(), "one\r\ntwo");
-    EXPECT_EQ(Module1::gOffset, 512);
-    EXPECT_EQ(Module1::gSize, 7);
-}
-
-TEST_F(WordwiseWindowTest, TheWindowIsWiderThanOthersButNotForARefusal) {
-    PutDocument("text");
-    EXPECT_EQ(Text(Show("FileViewAsWordwise")).width(), 611 + 50);
-    PutDocument("text", 0x1FFFF);
+TEST_F(WordwiseWindowTest, ALastLineWithoutAnEndIsThereAndARefusalIsNoWider) {
+    EXPECT_EQ(Text(ShowDocument("one\ntwo")).Text(), "one\r\ntwo");
     WordWise::Underline = true;
-    const View refused = Show("FileViewAsWordwise");
+    const View refused = ShowDocument("text", 0x1FFFF);
     EXPECT_EQ(Text(refused).Text(), "This does not appear to be a WordWise Document");
     EXPECT_EQ(Text(refused).width(), 611);
-    EXPECT_EQ(Module1::a_exec, "01FFFF");
     EXPECT_TRUE(WordWise::Underline) << "only a document sets it back";
 }
 
-// --- While a document that has no practical end fills its window.
-
-class EndlessDocumentTest : public WordwiseWindowTest {
-  protected:
-    /// Shows it and calls `act` once, when part of it is there.
-    void ShowEndless(const std::function<void(const View&)>& act) {
-        PutDocument("{FL999}{LS0}{PL999}" + std::string(9000, '\n'));
-        desktop.clock_step = std::chrono::microseconds(100);
-        desktop.on_pump = [&, acted = false]() mutable {
-            const View view = Module1::gViewForm.lock();
-            if (!acted && view != nullptr && Text(view).Text().size() > 5000) {
-                acted = true;
-                act(view);
-            }
-        };
-        Choose("FileViewAsWordwise");
-        desktop.on_pump = nullptr;
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
-};
-
-TEST_F(EndlessDocumentTest, ClosingTheWindowEndsIt) {
-    QPointer<frmView> watched;
-    ShowEndless([&](const View& view) {
-        watched = view.get();
-        view->close();
-    });
-    EXPECT_TRUE(watched.isNull());
-    EXPECT_EQ(desktop.quits, 0);
-    PutDocument("next");
-    EXPECT_EQ(Text(Show("FileViewAsWordwise")).Text(), "next");
-}
-
-TEST_F(EndlessDocumentTest, AnotherDocumentCanBeReadMeanwhile) {
-    ShowEndless([&](const View& endless) {
-        PutDocument("{US}short");
-        const View inner = Show("FileViewAsWordwise");
-        EXPECT_EQ(Text(inner).Text(), "short");
+TEST_F(WordwiseWindowTest, AnotherDocumentCanBeReadBeforeAnEndlessOneIsClosed) {
+    desktop.clock_step = std::chrono::microseconds(100);
+    View endless;
+    desktop.on_pump = [&] {
+        const View view = Module1::gViewForm.lock();
+        if (endless != nullptr || view == nullptr || Text(view).Text().size() < 5000)
+            return;
+        endless = view;
+        EXPECT_EQ(Text(ShowDocument("{US}short")).Text(), "short");
         EXPECT_FALSE(endless->IsClosed());
         endless->close();
-    });
+    };
+    static_cast<void>(ShowDocument("{FL999}{LS0}{PL999}" + std::string(9000, '\n')));
+    desktop.on_pump = nullptr;
     EXPECT_FALSE(WordWise::Underline) << "the document that was shown last has none";
 }
 
