@@ -1,4 +1,6 @@
 #include "disc/catalogue.h"
+#include "disc/file_commands.h"
+#include "disc/free_space.h"
 #include "disc/listing.h"
 #include "support/disc_builder.h"
 #include "support/disc_test.h"
@@ -13,30 +15,9 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using namespace std::string_literals;
 
-class Catalogue : public DiscTest {};
-
 constexpr int kDrive1 = 204800;
-constexpr int kInfo = 264; ///< information block of file 0
 
-std::vector<std::string> ListedNames(const std::vector<ListRow>& rows) {
-    std::vector<std::string> names;
-    for (const ListRow& row : rows)
-        names.push_back(row.FileName);
-    return names;
-}
-
-TEST_F(Catalogue, FileNumbersRunOverBothCatalogues) {
-    using Row = std::tuple<const char*, bool, int, int, int, int>;
-    for (const auto& [what, watford, files, second, number, offset] :
-         {Row{"last of a full plain disc", false, 31, 0, 30, 248},
-          Row{"last of a full Watford disc", true, 31, 31, 61, 512 + 8 + 240},
-          Row{"first of the second, the first not full", true, 2, 1, 2, 520}}) {
-        SCOPED_TRACE(what);
-        DiscBuilder(1, watford).Fill(files, second);
-        EXPECT_EQ(GetNumberOfDirEntries(1), files + second);
-        EXPECT_EQ(GetDirOffset(1, number), kDrive1 + offset);
-    }
-}
+class Catalogue : public DiscTest {};
 
 TEST_F(Catalogue, MeantEighthsOfAFileAddUpOverBothCatalogues) {
     DiscBuilder(0, DiscBuilder::kWatford).Byte(261, 12).Byte(773, 12);
@@ -44,23 +25,16 @@ TEST_F(Catalogue, MeantEighthsOfAFileAddUpOverBothCatalogues) {
     EXPECT_EQ(GetDirOffset(0, 1), 520) << "everywhere else 12 eighths are one file";
     DiscBuilder(0).Byte(261, 12).Byte(773, 12);
     EXPECT_EQ(GetNumberOfDirEntries(0), 1) << "a plain disc has no second catalogue";
-}
-
-TEST_F(Catalogue, OnlyEightWholeMarkerBytesMakeAWatfordDisc) {
-    DiscBuilder disc(1, DiscBuilder::kWatford);
-    EXPECT_EQ(GetRootSector(1), 4);
-    EXPECT_EQ(GetRootSector(0), 2);
-    disc.Byte(519, 0xAB);
-    EXPECT_EQ(GetRootSector(1), 2);
+    DiscBuilder(0, DiscBuilder::kWatford).Byte(519, 0xAB);
+    EXPECT_FALSE(IsWatfordDFS(0)) << "all eight marker bytes count";
 }
 
 TEST_F(Catalogue, ASectorCountAboveWhatTheStoreHoldsIsCutTo800) {
     using Row = std::tuple<int, int, int>;
     for (const auto& [flags, low, sectors] :
-         {Row{0x03, 0x21, 800}, Row{0xFF, 0xFF, 800}, Row{0x03, 0x1F, 799}, Row{0xFC, 0x00, 0}}) {
+         {Row{0x03, 0x21, 800}, Row{0xFF, 0xFF, 800}, Row{0xF3, 0x1F, 799}, Row{0xFC, 0x00, 0}}) {
         DiscBuilder(1).Byte(262, flags).Byte(263, low);
         EXPECT_EQ(GetNumberOfSectors(1), sectors) << flags << " " << low;
-        EXPECT_EQ(BootOption(1), flags >> 4 & 3);
     }
 }
 
@@ -76,27 +50,10 @@ TEST_F(Catalogue, TheCycleNumberCountsInDecimalAndMarksTheDiscAsChanged) {
     }
 }
 
-// Each field has other high bits than its neighbours, so that no mask can slip.
-TEST_F(Catalogue, AddressesReadAsHexWithFFForTwoSetHighBits) {
-    using Row = std::tuple<Entry, const char*>;
-    // Meant: a length from 196608 up reads as some 16 million.
-    for (const auto& [entry, texts] :
-         {Row{{"A", '$', false, 0x21900, 0x18023, 0x0FFFF, 0x31F}, "021900 018023 00FFFF 31F"},
-          Row{{"A", '$', false, 0x31900, 0x20001, 0x12345, 0x0FF}, "FF1900 020001 012345 0FF"},
-          Row{{"A", '$', false, 0x00000, 0x3802B, 0x2ABCD, 0x100}, "000000 FF802B 02ABCD 100"},
-          Row{{.name = "A", .length = 0x30000}, "000000 000000 FF0000 000"}}) {
-        DiscBuilder(0).File(entry);
-        EXPECT_EQ(GetLoad(kInfo) + " " + GetExec(kInfo) + " " + GetSize(kInfo) + " " +
-                      GetSector(kInfo),
-                  texts);
-    }
-}
-
 TEST_F(Catalogue, ATitleEndsAtItsFirstNulAndLosesBlanksAndTopBits) {
     using Row = std::tuple<std::string, const char*>;
-    for (const auto& [bytes, title] :
-         {Row{"TWELVE CHARS"s, "TWELVE CHARS"}, Row{"  MY DISC"s, "MY DISC"},
-          Row{"\xC1\xE2\x80Z"s, "Ab"}, Row{"\0ABC"s, ""}, Row{"A \0   B"s, "A"}}) {
+    for (const auto& [bytes, title] : {Row{"TWELVE CHARS"s, "TWELVE CHARS"},
+                                       Row{"\xC1\xE2\x80Z"s, "Ab"}, Row{"  A \0   B"s, "A"}}) {
         DiscBuilder(1).Title(bytes);
         EXPECT_EQ(GetTitle(1), title) << bytes;
     }
@@ -151,23 +108,186 @@ TEST_F(Catalogue, NamesAreFoundWhateverTheirCaseUpToANulDirectory) {
     EXPECT_EQ(GetPos(0, "$.HELLO"), -1) << "nor on the other drive";
 }
 
-TEST_F(Catalogue, AListIsSortedByNamesWithoutRegardToCase) {
-    DiscBuilder(1).File({.name = "Zed"}).File({.name = "abc", .dir = 'B'}).File({.name = "ZED"});
-    EXPECT_THAT(ListedNames(ListFiles(1)), ElementsAre("$.Zed", "B.abc", "$.ZED"));
-    EXPECT_THAT(ListedNames(SortedListFiles(1)), ElementsAre("$.Zed", "$.ZED", "B.abc"));
+TEST_F(Catalogue, MeantARowCutAtAReturnIsNotFoundByItsName) {
+    DiscBuilder(0).File({.name = " AB\rCD"}).File({.name = "\x80XY"}).File({.name = "C"});
+    const auto rows = ListFiles(0); // which end at a name that starts with NUL
+    ASSERT_EQ(rows.size(), 1U);
+    EXPECT_EQ(rows[0].FileName, "$.AB");
+    EXPECT_EQ(GetPos(0, "$.AB"), -1);
 }
 
-TEST_F(Catalogue, AnEntryThatStartsWithNulOrAReturnEndsTheList) {
-    for (const auto& end : {"\0BC"s, "\rBC"s, "\x80XY"s}) {
-        DiscBuilder(0).File({.name = ""}).File({.name = end}).File({.name = "C"});
-        EXPECT_THAT(ListedNames(ListFiles(0)), ElementsAre("$.")) << "seven spaces are a name";
+// --- Commands on a file.
+
+constexpr bool kOverride = true;
+constexpr int kCycle = 260;
+constexpr int kCount = 261;
+constexpr int kInfo = 264; ///< its information block
+
+int Byte(int offset) {
+    return Module1::DiscImg.Byte(offset);
+}
+
+/// The seven name bytes of file 0 and its directory byte, bit 7 included.
+std::string StoredName(int drive = 0) {
+    return BlockText(drive * kDriveBytes + 8, 8);
+}
+
+class FileCommands : public DiscTest {
+  protected:
+    /// Runs a command that is to be refused: the block and gDirty must stay as they are. Gives the
+    /// texts of the boxes.
+    template<class Command>
+    std::vector<std::string> Refused(Command command) {
+        const auto before = BlockBytes();
+        Module1::gDirty = false;
+        EXPECT_TRUE(command());
+        EXPECT_EQ(BlockBytes(), before) << "the disc has changed";
+        EXPECT_FALSE(Module1::gDirty);
+        return desktop.TakeBoxTexts();
+    }
+};
+
+TEST_F(FileCommands, LockAndUnlockChangeOnlyTheLock) {
+    DiscBuilder().File({.name = "HELLO"});
+    LockFile("$.hello");
+    LockFile("$.HELLO");
+    EXPECT_EQ(StoredName(), "HELLO  \xA4");
+    UnlockFile("$.HELLO");
+    EXPECT_EQ(StoredName(), "HELLO  $");
+    EXPECT_EQ(Byte(kCycle), 3) << "meant: to lock a locked file counts as a change";
+}
+
+TEST_F(FileCommands, ANameThatIsNotThereIsPassedOverInSilence) {
+    DiscBuilder().File({.name = "A"});
+    const auto before = BlockBytes();
+    LockFile("$.B");
+    SetFileAttr("$.B", "001900", "008023");
+    EXPECT_FALSE(DeleteFile("$.B", kOverride));
+    EXPECT_TRUE(RenameFile("$.C", "$.B", kOverride));
+    EXPECT_EQ(BlockBytes(), before);
+    EXPECT_THAT(desktop.boxes, IsEmpty());
+}
+
+TEST_F(FileCommands, CommandsActOnTheCurrentDrive) {
+    DiscBuilder(0).File({.name = "A"});
+    DiscBuilder(1).File({.name = "A", .sector = 2});
+    GetFreeSpaceMap(1);
+    const auto drive_0 = BlockBytes(0, kDriveBytes);
+    Module1::cur_drive = 1;
+    LockFile("$.A");
+    SetFileAttr("$.A", "001900", "008023");
+    RenameFile("$.B", "$.A", kOverride);
+    EXPECT_EQ(StoredName(1), "B      \xA4");
+    DeleteFile("$.B", kOverride);
+    EXPECT_EQ(Byte(kDrive1 + kCycle), 4);
+    EXPECT_THAT(FreeRegions(1), ElementsAre(std::pair(2, 798)));
+    EXPECT_EQ(BlockBytes(0, kDriveBytes), drive_0);
+}
+
+TEST_F(FileCommands, DeletingMovesAllLaterSlotsUp) {
+    DiscBuilder().Fill(31).Data(2, "the lowest file");
+    EXPECT_FALSE(DeleteFile("$.A0", false));
+    EXPECT_EQ(Byte(kCount), 240);
+    for (int i = 0; i < 30; ++i)
+        EXPECT_EQ(GetName(0, i), "$.A" + std::to_string(i + 1));
+    EXPECT_EQ(GetSector(kInfo), "01F") << "the information moves with the name";
+    EXPECT_FALSE(DeleteFile("$.A30", false));
+    EXPECT_EQ(BlockText(512, 15), "the lowest file") << "data stay where they were";
+}
+
+TEST_F(FileCommands, DeletingInOneCatalogueLeavesTheOtherAlone) {
+    DiscBuilder(0, DiscBuilder::kWatford).Fill(2, 2);
+    DeleteFile("$.B0", false);
+    EXPECT_EQ(Byte(kCycle), 1) << "the cycle number is that of the first catalogue";
+    EXPECT_EQ(Byte(512 + kCycle), 0);
+    EXPECT_EQ(Byte(kCount), 16);
+    DeleteFile("$.A0", false);
+    EXPECT_EQ(Byte(kCount), 8);
+    EXPECT_EQ(GetName(0, 1), "$.B1");
+    // Meant: a count below one file wraps around. 4 and 4 make one file, in the second catalogue.
+    DiscBuilder(0, DiscBuilder::kWatford).SecondFile({.name = "X"}).Byte(261, 4).Byte(773, 4);
+    EXPECT_FALSE(DeleteFile("$.X", false));
+    EXPECT_EQ(Byte(773), 252);
+}
+
+TEST_F(FileCommands, ALockIsNoObstacleUnderTheOverride) {
+    DiscBuilder().File({.name = "A", .locked = true}).File({.name = "B", .locked = true});
+    EXPECT_THAT(Refused([] { return DeleteFile("$.a", false); }),
+                ElementsAre("Cannot Delete Locked File : $.a"));
+    EXPECT_THAT(Refused([] { return RenameFile("$.C", "$.A", false); }),
+                ElementsAre("Cannot Rename Locked File : $.A"));
+    EXPECT_FALSE(RenameFile("$.C", "$.A", kOverride));
+    EXPECT_EQ(StoredName(), "C      \xA4") << "a renamed file stays locked";
+    EXPECT_FALSE(DeleteFile("$.B", kOverride));
+    EXPECT_EQ(Byte(kCount), 8);
+}
+
+TEST_F(FileCommands, RenamingShapesTheTypedName) {
+    using Row = std::tuple<const char*, const char*>;
+    for (const auto& [typed, stored] :
+         {Row{"HELLOWORLD", "HELLOWO$"}, Row{"B.GAME", "GAME   B"}, Row{"  $.PAD ", "PAD    $"},
+          Row{"$.A.B", "A.B    $"}, Row{"X.ABCDEFGHI", "ABCDEFGX"}, Row{"..", "       ."},
+          Row{"   ", "       $"}, Row{"$.\x7F~!", "\x7F~!    $"}}) {
+        SCOPED_TRACE(typed);
+        DiscBuilder().File({.name = "OLD"});
+        EXPECT_FALSE(RenameFile(typed, "$.OLD", false));
+        EXPECT_EQ(StoredName(), stored);
+        EXPECT_EQ(Byte(kCycle), 1);
     }
 }
 
-TEST_F(Catalogue, MeantARowCutAtAReturnIsNotFoundByItsName) {
-    DiscBuilder(0).File({.name = " AB\rCD"});
-    EXPECT_THAT(ListedNames(ListFiles(0)), ElementsAre("$.AB"));
-    EXPECT_EQ(GetPos(0, "$.AB"), -1);
+TEST_F(FileCommands, RenamingRefusesNamesInTheOrderOfItsChecks) {
+    DiscBuilder().File({.name = "OLD"}).File({.name = "A-B"});
+    const auto refuse = [&](const std::string& typed, const std::string& told) {
+        SCOPED_TRACE(typed);
+        EXPECT_THAT(Refused([&] { return RenameFile(typed, "$.OLD", false); }), ElementsAre(told));
+    };
+    refuse("$.old", "$.old Already Exists");
+    refuse("A-B", "$.A-B Already Exists");
+    for (const char* typed :
+         {"$.A B", "$.A-C", "$.A:", "*.A", "$.#", "$.&", "$.@", "$.^", "$.A\tB", "AB.-"})
+        refuse(typed, "File " + std::string(typed) + " Contains Illegal Characters");
+    refuse("$.\xE9", "File $.\xC3\xA9 Contains Illegal Characters");
+    refuse("AB.C", "File AB.C Does Not Contain A Valid Directory Name");
+    refuse(".", "File . Does Not Contain A Valid Directory Name");
+}
+
+TEST_F(FileCommands, AddressesAreStoredWithEighteenBits) {
+    DiscBuilder().File({.name = "A", .length = 0x3ABCD, .sector = 0x31F});
+    using Row = std::tuple<const char*, const char*, const char*>;
+    // Meant: the high bits of the load address follow those of the exec address.
+    for (const auto& [load, exec, stored] :
+         {Row{"FE1900", "FE8023", "021900 028023"}, Row{"000001", "000002", "000001 000002"},
+          Row{"FF1900", "008023", "001900 008023"}, Row{"001900", "FF8023", "FF1900 FF8023"}}) {
+        SetFileAttr("$.A", load, exec);
+        EXPECT_EQ(GetLoad(kInfo) + " " + GetExec(kInfo), stored);
+    }
+    EXPECT_EQ(GetSize(kInfo) + " " + GetSector(kInfo), "FFABCD 31F");
+}
+
+TEST_F(FileCommands, TypedAddressesAreCheckedInOrder) {
+    using Row = std::tuple<std::string, std::string, const char*>;
+    for (auto [load, exec, told] :
+         {Row{"1234567", "", "Load Address Is Wrong Length"},
+          Row{"", "0", "Load Address Is Wrong Length"},
+          Row{"12G", "1234567", "Exec Address Is Wrong Length"},
+          Row{"12G", "x", "Load Address Contains Illegal Characters"},
+          Row{"1900", " 8023", "Exec Address Contains Illegal Characters"}})
+        EXPECT_EQ(CheckAddresses(load, exec), told) << load << "," << exec;
+    std::string load = "19";
+    std::string exec = "ff8023";
+    EXPECT_EQ(CheckAddresses(load, exec), std::nullopt);
+    EXPECT_EQ(load + " " + exec, "000019 FF8023") << "padded and in capitals";
+}
+
+TEST_F(FileCommands, MeantABootOptionIsNoChangeOfTheDisc) {
+    DiscBuilder(1).Byte(262, 0xFF);
+    for (const int option : {0, 3, 1, 2}) {
+        SetBootOption(1, option);
+        EXPECT_EQ(Byte(kDriveBytes + 262), 0xCF | option << 4) << "the other bits stay";
+    }
+    EXPECT_EQ(Byte(kDrive1 + kCycle), 0);
+    EXPECT_FALSE(Module1::gDirty);
 }
 
 } // namespace

@@ -7,7 +7,6 @@
 #include "support/host_faults.h"
 #include "support/temp_folder.h"
 
-#include <algorithm>
 #include <array>
 #include <chrono>
 #include <csignal>
@@ -59,12 +58,7 @@ class Files : public DiscTest {
 
     /// Names in the backup folder, sorted.
     [[nodiscard]] std::vector<std::string> Copies() const {
-        std::vector<std::string> names;
-        if (fs::exists(state.path() / "backup"))
-            for (const auto& entry : fs::directory_iterator(state.path() / "backup"))
-                names.push_back(entry.path().filename().string());
-        std::ranges::sort(names);
-        return names;
+        return state.Names().empty() ? state.Names() : state.Names("backup");
     }
 
     TempFolder folder;

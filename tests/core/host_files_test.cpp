@@ -1,6 +1,5 @@
 #include "exchange/host_names.h"
 #include "exchange/sidecar.h"
-#include "platform/text.h"
 #include "support/temp_folder.h"
 
 #include <filesystem>
@@ -109,19 +108,6 @@ TEST(Sidecar, OnlyTheFirstLineOfAFileCounts) {
     fs::resize_file(endless, 100U << 20U);
     EXPECT_FALSE(ReadSidecarLine(endless, line));
     EXPECT_LE(line.size(), 4096U);
-}
-
-TEST(Text, IsAsciiAndHexNeverWidens) {
-    EXPECT_EQ(Trim("\t a\r\n "), "\t a\r\n");
-    EXPECT_EQ(Trim("  a b  "), "a b");
-    EXPECT_EQ(Trim("    "), "");
-    EXPECT_EQ(UpperCase("a{z`\xE9"), "A{Z`\xE9");
-    EXPECT_FALSE(EqualIgnoringCase("$.[", "$.{"));
-    EXPECT_EQ(Hex(0x1ABCD, 3) + Hex(0x1AB, 6), "BCD0001AB");
-    EXPECT_EQ(HexValue("ff1900"), 0xFF1900U);
-    EXPECT_EQ(HexValue("1G"), 1U);
-    EXPECT_EQ(HexValue(" 1"), 0U);
-    EXPECT_EQ(Latin1ToUtf8("a\x7F\x80\xFF"), "a\x7F\xC2\x80\xC3\xBF");
 }
 
 } // namespace

@@ -71,7 +71,6 @@ TEST_F(LinkRingTest, AReplyEndsWithAPauseOrAtItsMaximum) {
     for (const auto& [what, pieces, maximum, accepted, expected, left, ends] :
          {Row{"nothing", {}, 65535, false, "", "", 10000},
           Row{"at the last moment", {{9999, "abc"}}, 65535, true, "abc", "", 10199},
-          Row{"two bytes", {{5, "ab"}}, 65535, false, "ab", "", 205},
           Row{"a short pause", {{5, "ab"}, {204, "cd"}}, 65535, true, "abcd", "", 404},
           Row{"a long pause", {{5, "abc"}, {206, "de"}}, 65535, true, "abc", "", 205},
           Row{"a maximum", {{5, kilobyte + "rest"}}, 1024, true, kilobyte, "rest", 5},
@@ -88,13 +87,6 @@ TEST_F(LinkRingTest, AReplyEndsWithAPauseOrAtItsMaximum) {
         EXPECT_EQ(Drained(), left);
         Swallow_Rubbish();
     }
-}
-
-TEST_F(LinkRingTest, DrainingEndsTwoSecondsAfterTheLastByte) {
-    Arrive(1500, "abc");
-    Arrive(3400, "d");
-    Swallow_Rubbish();
-    EXPECT_EQ(Milliseconds(), 5400);
 }
 
 TEST_F(LinkRingTest, NothingIsSentAndNoPortOpenedWhileTheUserHasCancelled) {

@@ -14,14 +14,6 @@ namespace {
 
 using Track = std::array<std::uint8_t, kTrackLength>;
 
-/// A track that starts with `bytes`; behind them no byte is like its neighbours.
-Track TrackOf(std::vector<int> bytes) {
-    Track track{};
-    for (std::size_t i = 0; i < track.size(); ++i)
-        track[i] = static_cast<std::uint8_t>(i < bytes.size() ? bytes[i] : 100 + i % 2);
-    return track;
-}
-
 std::string PacketOf(const Track& track) {
     const TrackPacket packet(track);
     return {packet.bytes().begin(), packet.bytes().end()};
@@ -72,23 +64,12 @@ std::string Nines(int count) {
     return items;
 }
 
-TEST(TrackCodecTest, RunsOfFourAndMoreAreCompressed) {
-    using Row = std::tuple<const char*, std::vector<int>, std::vector<int>>;
-    for (const auto& [what, track, payload] : {
-             Row{"three escapes", {27, 27, 27, 65}, {27, 1, 27, 1, 27, 1, 65}},
-             Row{"four escapes", {27, 27, 27, 27, 65}, {27, 0, 4, 27, 65}},
-             Row{"three bytes", {7, 7, 7, 65}, {7, 7, 7, 65}},
-             Row{"259 bytes", std::vector<int>(259, 7), {27, 0, 255, 7, 27, 0, 4, 7}},
-         }) {
-        SCOPED_TRACE(what);
-        const std::string packet = PacketOf(TrackOf(track));
-        EXPECT_EQ(packet.substr(2, payload.size()), Bytes(payload));
-    }
-    EXPECT_EQ(PacketOf({}).size(), 46U);
+TEST(TrackCodecTest, TheWorstTrackFitsThePacket) {
     Track worst{};
     for (std::size_t i = 0; i < worst.size(); ++i)
         worst[i] = i % 4 == 3 ? 65 : 27;
-    EXPECT_EQ(PacketOf(worst).size(), 4482U) << "fits, although no decoder takes it";
+    EXPECT_EQ(PacketOf(worst).size(), 4482U) << "although no decoder takes it";
+    EXPECT_EQ(PacketOf({}).size(), 46U);
 }
 
 TEST(TrackCodecTest, EveryTrackComesBackWhoeverHasPackedIt) {

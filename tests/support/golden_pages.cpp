@@ -19,22 +19,18 @@ std::filesystem::path TestData(std::string_view folder, std::string_view name) {
     return std::filesystem::path(TEST_DATA) / folder / name;
 }
 
-GoldenPage PageOfHeading(const std::string& heading) {
-    GoldenPage page;
-    std::istringstream(heading.substr(kMark.size())) >> page.image >> page.drive >> page.file;
-    return page;
-}
-
 } // namespace
 
 std::vector<GoldenPage> GoldenPages(std::string_view golden_file) {
     std::ifstream in(TestData("golden", golden_file));
     std::vector<GoldenPage> pages;
     for (std::string line; std::getline(in, line);)
-        if (line.starts_with(kMark))
-            pages.push_back(PageOfHeading(line));
-        else
+        if (line.starts_with(kMark)) {
+            GoldenPage& page = pages.emplace_back();
+            std::istringstream(line.substr(kMark.size())) >> page.image >> page.drive >> page.file;
+        } else {
             pages.at(pages.size() - 1).lines.push_back(line);
+        }
     EXPECT_FALSE(pages.empty()) << "no pages in " << golden_file;
     return pages;
 }
@@ -47,7 +43,7 @@ void OpenDiscOf(const GoldenPage& page) {
     Module1::cur_drive = page.drive;
 }
 
-FilePlace PlaceOf(const GoldenPage& page) {
+std::pair<int, std::uint32_t> PlaceOf(const GoldenPage& page) {
     const int file = GetPos(page.drive, page.file);
     EXPECT_GE(file, 0) << page.file;
     const int info = GetDirOffset(page.drive, file) + kInfoDistance;

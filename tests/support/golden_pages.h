@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace quoravel {
@@ -21,12 +23,7 @@ struct GoldenPage {
 void OpenDiscOf(const GoldenPage& page);
 
 /// Place and length in the block of a page's file, as its catalogue says.
-struct FilePlace {
-    int base = 0;
-    std::uint32_t length = 0;
-};
-
-[[nodiscard]] FilePlace PlaceOf(const GoldenPage& page);
+[[nodiscard]] std::pair<int, std::uint32_t> PlaceOf(const GoldenPage& page);
 
 /// Lines as renderers end them.
 [[nodiscard]] std::string JoinLines(const std::vector<std::string>& lines);

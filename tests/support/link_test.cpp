@@ -4,8 +4,6 @@
 #include "link/ring.h"
 #include "link/trace.h"
 
-#include <algorithm>
-#include <numeric>
 #include <sstream>
 #include <stdexcept>
 #include <utility>
@@ -25,22 +23,10 @@ bool FakePort::Open() {
     return opens;
 }
 
-void FakePort::Close() {
-    log += "close ";
-}
-
 void FakePort::Write(std::string_view bytes) {
     writes.emplace_back(bytes);
     log += std::to_string(settings.back()) + ' ';
     on_write(bytes);
-}
-
-std::string FakePort::ReadAll() {
-    return std::exchange(received, {});
-}
-
-std::string FakePort::Sent() const {
-    return std::accumulate(writes.begin(), writes.end(), std::string());
 }
 
 void FakeTimer::SetEnabled(bool enabled) {

@@ -11,7 +11,9 @@
 #include <gtest/gtest.h>
 #include <map>
 #include <memory>
+#include <numeric>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace quoravel {
@@ -24,9 +26,12 @@ class FakePort : public Serial {
     [[nodiscard]] SerialProfile Profile() const override { return {settings.back()}; }
 
     bool Open() override;
-    void Close() override;
+
+    void Close() override { log += "close "; }
+
     void Write(std::string_view bytes) override;
-    [[nodiscard]] std::string ReadAll() override;
+
+    [[nodiscard]] std::string ReadAll() override { return std::exchange(received, {}); }
 
     void Poll() override { ++polls; }
 
@@ -39,7 +44,9 @@ class FakePort : public Serial {
     std::function<void(std::string_view)> on_write = [](std::string_view) {};
 
     /// All that was written.
-    [[nodiscard]] std::string Sent() const;
+    [[nodiscard]] std::string Sent() const {
+        return std::accumulate(writes.begin(), writes.end(), std::string());
+    }
 };
 
 /// A timer that a test's clock fires.

@@ -34,9 +34,9 @@ fs::path TempFolder::File(std::string_view name, std::string_view text) const {
     return file;
 }
 
-std::vector<std::string> TempFolder::Names() const {
+std::vector<std::string> TempFolder::Names(std::string_view folder) const {
     std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(path_))
+    for (const auto& entry : fs::directory_iterator(path_ / folder))
         names.push_back(entry.path().filename().string());
     std::ranges::sort(names);
     return names;

@@ -23,8 +23,8 @@ class TempFolder {
     std::filesystem::path File(std::string_view name, std::span<const std::uint8_t> bytes) const;
     std::filesystem::path File(std::string_view name, std::string_view text) const;
 
-    /// The names of all entries, sorted.
-    [[nodiscard]] std::vector<std::string> Names() const;
+    /// The names of all entries, sorted, or those in a folder in it.
+    [[nodiscard]] std::vector<std::string> Names(std::string_view folder = {}) const;
 
   private:
     std::filesystem::path path_;

@@ -1,6 +1,8 @@
 #include "disc/catalogue.h"
 #include "disc/free_space.h"
 #include "disc/listing.h"
+#include "exchange/drag_folder.h"
+#include "exchange/export.h"
 #include "exchange/import.h"
 #include "support/disc_builder.h"
 #include "support/disc_test.h"
@@ -9,6 +11,7 @@
 
 #include <filesystem>
 #include <gmock/gmock.h>
+#include <map>
 #include <sys/stat.h>
 
 namespace quoravel {
@@ -17,6 +20,7 @@ namespace {
 namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::Pair;
 
 constexpr int kCycle = 260;
 constexpr int kCount = 261;
@@ -34,8 +38,9 @@ std::vector<std::string> Names(int drive) {
     return names;
 }
 
-/// A row of a list in one text.
-std::string TextOf(const ListRow& row) {
+/// A row of the list of a drive in one text.
+std::string RowOf(int file, int drive = 0) {
+    const ListRow row = ListFiles(drive).at(static_cast<std::size_t>(file));
     return row.FileName + " " + row.Attr + " " + row.Load + " " + row.Exec + " " + row.Size + " " +
            row.Sector;
 }
@@ -81,13 +86,17 @@ TEST_F(Import, AFileTakesItsSectorsAndAnEntry) {
     DiscBuilder disc(1);
     Disc(disc.Data(2, std::string(1024, 'o')), 1);
     Take(folder.File("HELLO", std::string(257, 'x')), 1);
-    EXPECT_EQ(TextOf(ListFiles(1).at(0)), "$.HELLO   000000 000000 000101 002");
+    EXPECT_EQ(RowOf(0, 1), "$.HELLO   000000 000000 000101 002");
     EXPECT_EQ(BlockText(204800 + 512, 1024),
               std::string(257, 'x') + std::string(255, '\0') + std::string(512, 'o'));
     EXPECT_EQ(Byte(204800 + kCycle), 1);
     EXPECT_TRUE(Module1::gDirty);
     EXPECT_THAT(FreeRegions(1), ElementsAre(std::pair(4, 796)));
     EXPECT_THAT(Names(0), IsEmpty()) << "the drive is that of the drop, not the current one";
+    const auto before = BlockBytes();
+    Take(folder.path()); // folders and sidecars are passed over in silence
+    Take(folder.path() / "gone.inf");
+    EXPECT_EQ(BlockBytes(), before);
 }
 
 TEST_F(Import, NamesComeFromTheSidecarOrTheHost) {
@@ -118,17 +127,8 @@ TEST_F(Import, NamesComeFromTheSidecarOrTheHost) {
         if (sidecar != none)
             folder.File(std::string(file) + ".INF", std::string_view(sidecar));
         Take(File(file));
-        EXPECT_EQ(TextOf(ListFiles(0).at(0)), listed);
+        EXPECT_EQ(RowOf(0), listed);
     }
-}
-
-TEST_F(Import, FoldersAndSidecarsArePassedOverInSilence) {
-    fs::create_directory(folder.path() / "FOLDER");
-    const auto before = BlockBytes();
-    Take(folder.path() / "FOLDER");
-    Take(folder.File("$.HELLO.inf", "$.HELLO    001900 008023 000100   "));
-    Take(folder.path() / "gone.INF");
-    EXPECT_EQ(BlockBytes(), before);
 }
 
 TEST_F(Import, TheLowestRegionThatFitsWins) {
@@ -140,9 +140,8 @@ TEST_F(Import, TheLowestRegionThatFitsWins) {
     Take(File("ONE", 256));
     Take(File("NONE", 0));
     EXPECT_THAT(Names(0), ElementsAre("$.HIGH", "$.NONE", "$.TWO", "$.LOW", "$.ONE", "$.ROOT"));
-    EXPECT_EQ(ListFiles(0).at(4).Sector, "003");
-    EXPECT_EQ(ListFiles(0).at(2).Sector, "005");
-    EXPECT_EQ(TextOf(ListFiles(0).at(1)), "$.NONE   000000 000000 000000 007");
+    EXPECT_EQ(RowOf(1), "$.NONE   000000 000000 000000 007");
+    EXPECT_EQ(RowOf(2), "$.TWO   000000 000000 000101 005");
     EXPECT_THAT(FreeRegions(0), ElementsAre(std::pair(8, 12), std::pair(21, 779)))
         << "a file of no bytes takes a sector";
 }
@@ -166,19 +165,6 @@ TEST_F(Import, RefusalsComeInTheirOrder) {
     EXPECT_EQ(Refused(File("NEW")), "Second Directory Full - Please Compact Disc");
 }
 
-TEST_F(Import, ANewFileGoesBeforeTheFirstThatLiesLower) {
-    Disc(DiscBuilder(0, DiscBuilder::kWatford)
-             .File({.name = "A0", .length = 256, .sector = 90})
-             .File({.name = "A1", .length = 256, .sector = 70})
-             .SecondFile({.name = "B0", .length = 256, .sector = 80})
-             .SecondFile({.name = "B1", .length = 256, .sector = 4}));
-    Take(File("NEW", 0));
-    EXPECT_THAT(Names(0), ElementsAre("$.A0", "$.A1", "$.B0", "$.NEW", "$.B1"));
-    EXPECT_EQ(Byte(kCount), 16);
-    EXPECT_EQ(Byte(kSecondCount), 24);
-    EXPECT_EQ(Byte(kCycle), 1) << "the cycle number is that of the first catalogue";
-}
-
 // What follows looks odd and is meant.
 
 TEST_F(Import, MeantTheSidecarsLengthCountsInTheCatalogueOnly) {
@@ -191,7 +177,7 @@ TEST_F(Import, MeantTheSidecarsLengthCountsInTheCatalogueOnly) {
         << "the real length needs the room";
     folder.File("WIDE.INF", "$.WIDE     0E1900 031900 031234   ");
     Take(File("WIDE"));
-    EXPECT_EQ(TextOf(ListFiles(0).at(0)), "$.WIDE   021900 FF1900 FF1234 007");
+    EXPECT_EQ(RowOf(0), "$.WIDE   021900 FF1900 FF1234 007");
     EXPECT_THAT(FreeRegions(0), IsEmpty()) << "such a length reads as more than the disc";
 }
 
@@ -246,6 +232,116 @@ TEST_F(Import, WhatCannotBeReadIsNamedAndLeavesTheDiscUnchanged) {
     EXPECT_EQ(Refused(folder.path() / "PIPE"), "Cannot read PIPE: Not a regular file");
     EXPECT_EQ(Refused(File("DATA")), "Cannot read DATA.INF: Not a regular file");
     EXPECT_EQ(Refused(folder.path() / "SECRET"), "Cannot read SECRET: Permission denied");
+}
+
+// --- Export.
+
+using Export = Import;
+
+/// Exports all files of a drive.
+std::vector<fs::path> ExportAll(int drive, const fs::path& folder) {
+    std::vector<fs::path> data;
+    for (const ListRow& row : SortedListFiles(drive)) {
+        const auto files = ExportRow(row, drive, folder);
+        EXPECT_TRUE(files.has_value()) << row.FileName;
+        if (files)
+            data.push_back(files->data);
+    }
+    return data;
+}
+
+/// What a folder holds, by name.
+std::map<std::string, std::string> Contents(const TempFolder& folder) {
+    std::map<std::string, std::string> contents;
+    for (const std::string& name : folder.Names())
+        contents[name] = TextOf(folder.path() / name);
+    return contents;
+}
+
+TEST_F(Export, AFileGoesOutWithItsSidecarAndReplacesWhatHasItsHostName) {
+    DiscBuilder(1)
+        .File({.name = "HELLO", .load = 0x1900, .exec = 0x8023, .length = 7, .sector = 3})
+        .File({.name = "A/B", .locked = true, .load = 0x31900, .exec = 0x38023, .sector = 2})
+        .Data(3, "PRINT 1 and no more");
+    folder.File("$.A_B", "old and longer");
+    EXPECT_THAT(ExportAll(1, folder.path()),
+                ElementsAre(folder.path() / "$.A_B", folder.path() / "$.HELLO"));
+    EXPECT_THAT(Contents(folder),
+                ElementsAre(Pair("$.A_B", ""),
+                            Pair("$.A_B.INF", "$.A/B      FF1900 FF8023 000000 L \n"),
+                            Pair("$.HELLO", "PRINT 1"),
+                            Pair("$.HELLO.INF", "$.HELLO    001900 008023 000007   \n")));
+}
+
+TEST_F(Export, TheCellsOfTheRowCountAndALengthBeyondTheBlockEndsThere) {
+    DiscBuilder(0).Data(5, "five");
+    DiscBuilder(1).Data(0, "first of drive 1");
+    ASSERT_TRUE(ExportRow({"$.X", "L", "0", "", "000004", "005"}, 0, folder.path()));
+    ASSERT_TRUE(ExportRow({"$.BIG", " ", "0", "0", "FF0000", "31F"}, 0, folder.path()));
+    EXPECT_EQ(TextOf(folder.path() / "$.X"), "five");
+    EXPECT_EQ(TextOf(folder.path() / "$.X.INF"), "$.X        0  000004 L \n");
+    EXPECT_EQ(fs::file_size(folder.path() / "$.BIG"), 256 + 204800U);
+    EXPECT_EQ(TextOf(folder.path() / "$.BIG").substr(256, 16), "first of drive 1");
+}
+
+TEST_F(Export, WhatCannotBeWrittenIsNamedAndLeavesNothingHalfWritten) {
+    DiscBuilder().File({.name = "X", .length = 600, .sector = 2});
+    const std::vector<ListRow> rows = ListFiles(0);
+    {
+        const FullDisc full(512);
+        EXPECT_FALSE(ExportRow(rows[0], 0, folder.path()));
+        EXPECT_THAT(DragFolder().Export(rows, 0), IsEmpty());
+    }
+    EXPECT_THAT(folder.Names(), IsEmpty());
+    EXPECT_FALSE(ExportRow(rows[0], 0, folder.path() / "gone"));
+    fs::create_directory(folder.path() / "$.X.INF");
+    EXPECT_FALSE(ExportRow(rows[0], 0, folder.path()));
+    EXPECT_THAT(desktop.TakeBoxTexts(),
+                ElementsAre("Cannot write $.X: File too large", "Cannot write $.X: File too large",
+                            "Cannot write $.X: No such file or directory",
+                            "Cannot write $.X.INF: Is a directory"));
+}
+
+TEST_F(Export, WhatGoesOutComesBackAsTheSameEntry) {
+    DiscBuilder(0)
+        .File({.name = "LAST", .dir = 'Z', .length = 300, .sector = 0x120})
+        .File({.name = "A/\\:", .locked = true, .load = 0x21234, .length = 0, .sector = 40})
+        .File({.name = "a.B.C.D", .dir = '!', .exec = 0x3FFFF, .length = 1000, .sector = 20})
+        .File({.name = "", .dir = '.', .load = 0x3FFFF, .length = 1, .sector = 8})
+        .File({.name = "~\x7F", .dir = '/', .locked = true, .length = 256, .sector = 2})
+        .Data(2, std::string(256, 'a'))
+        .Data(8, "b")
+        .Data(20, std::string(1000, 'c'))
+        .Data(0x120, std::string(300, 'd'));
+    const DiscBuilder blank(1);
+    GetFreeSpaceMap(1);
+    for (const fs::path& file : ExportAll(0, folder.path()))
+        EXPECT_FALSE(ImportFile(1, file)) << file;
+    const TempFolder again;
+    ExportAll(1, again.path());
+    EXPECT_EQ(Contents(again).size(), 10U);
+    EXPECT_EQ(Contents(again), Contents(folder)) << "data, names, addresses and locks";
+}
+
+TEST_F(Export, DraggedFilesLieInAPrivateFolderThatGoesWithTheProgram) {
+    DiscBuilder().Fill(2).Data(2, "one");
+    fs::path root;
+    {
+        DragFolder drags;
+        const auto files = drags.Export(ListFiles(0), 0);
+        DiscBuilder().Fill(2).Data(2, "two");
+        EXPECT_EQ(TextOf(drags.Export(ListFiles(0), 0).at(2)).substr(0, 3), "two");
+        const fs::path drag = files.at(0).parent_path();
+        EXPECT_THAT(
+            files, ElementsAre(drag / "$.A0", drag / "$.A0.INF", drag / "$.A1", drag / "$.A1.INF"));
+        EXPECT_EQ(TextOf(files[2]).substr(0, 3), "one") << "each drag has its own";
+        root = drag.parent_path();
+        EXPECT_EQ(root.parent_path(), fs::temp_directory_path());
+        EXPECT_EQ(fs::status(root).permissions(), fs::perms::owner_all);
+        fs::remove_all(root); // as a tidy host may do
+        EXPECT_EQ(drags.Export(ListFiles(0), 0).size(), 4U);
+    }
+    EXPECT_FALSE(fs::exists(root));
 }
 
 } // namespace
