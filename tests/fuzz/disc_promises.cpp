@@ -30,46 +30,6 @@ std::vector<Region> KeptRegions(int drive) {
     return kept;
 }
 
-void CheckFile(int drive, int file) {
-    const int entry = GetDirOffset(drive, file);
-    const int info = entry + kInfoDistance;
-    Require(GetLoad(info).size() == 6 && GetExec(info).size() == 6 && GetSize(info).size() == 6,
-            "addresses and sizes have six digits");
-    Require(GetSector(info).size() == 3, "sectors have three digits");
-    Require(GetFileAttr(entry) == "L" || GetFileAttr(entry) == " ", "a file is locked or not");
-    const std::string name = GetName(drive, file);
-    Require(name.size() >= 2 && name.size() <= 9 && name[1] == '.', "a name is D. and up to seven");
-}
-
-/// A file that runs past the block ends with it, any other is all there.
-void CheckRow(const ListRow& row, int drive) {
-    Require(row.FileName.size() >= 2 && row.FileName.size() <= 9, "a name fits its cell");
-    Require(row.Attr.size() == 1 && row.Load.size() == 6 && row.Exec.size() == 6 &&
-                row.Size.size() == 6 && row.Sector.size() == 3,
-            "cells have their widths");
-    const std::int64_t start =
-        GetStartSectorOfDrive(drive) + std::int64_t{HexValue(row.Sector)} * kSectorBytes;
-    const std::int64_t size = HexValue(row.Size);
-    const std::int64_t room = std::max<std::int64_t>(kDiscBytes - start, 0);
-    Require(std::ssize(Module1::DiscImg.Part(start, size)) == std::min(size, room),
-            "a listed file reads");
-}
-
-/// A name is found no later than at its file, unless the search ends before.
-void CheckSearch(int drive, int file) {
-    const int found = GetPos(drive, GetName(drive, file));
-    Require(found <= file, "a name is found at its first file");
-    bool ends_early = false;
-    for (int i = 0; i <= file; ++i)
-        ends_early = ends_early || GetName(drive, i).front() == '\0';
-    Require(found >= 0 || ends_early, "only the end of the search hides a file");
-}
-
-/// A name that a sidecar can hold, and that arrives as it is.
-bool IsPlainName(std::string_view name) {
-    return std::ranges::all_of(name, [](char c) { return c > ' ' && c < 127; });
-}
-
 bool IsListedWhereverItGoes(int drive) {
     const int start = GetStartSectorOfDrive(drive);
     const int in_first = Module1::DiscImg.Byte(start + kCountByte);
@@ -137,20 +97,19 @@ std::optional<DriveContents> ContentsOfSoundDrive(int drive) {
 
 void CheckCatalogue(int drive) {
     const int files = GetNumberOfDirEntries(drive);
-    Require(files >= 0 && files <= 63, "63 files at most");
-    for (int i = 0; i < files; ++i)
-        CheckFile(drive, i);
-    if (files > 0)
-        CheckSearch(drive, files - 1);
-    Require(GetTitle(drive).size() <= 12, "a title has up to 12 characters");
-    Require(BootOption(drive) >= 0 && BootOption(drive) <= 3, "there are four boot options");
+    const auto rows = ListFiles(drive);
+    Require(files <= 63 && std::ssize(rows) <= files, "no more rows than files, 63 at most");
+    for (const ListRow& row : rows) {
+        const std::int64_t start =
+            GetStartSectorOfDrive(drive) + std::int64_t{HexValue(row.Sector)} * kSectorBytes;
+        const std::int64_t size = HexValue(row.Size);
+        const std::int64_t room = std::max<std::int64_t>(kDiscBytes - start, 0);
+        Require(std::ssize(Module1::DiscImg.Part(start, size)) == std::min(size, room),
+                "a listed file reads, up to the end of the block");
+    }
+    Require(SortedListFiles(drive).size() == rows.size(), "sorting loses no row");
     Require(GetSectorsUsed(drive) >= 0 && GetSectorsUsed(drive) < kDriveSectors,
             "the last sector in use lies on the disc");
-    const auto rows = ListFiles(drive);
-    Require(std::ssize(rows) <= files, "no more rows than files");
-    for (const ListRow& row : rows)
-        CheckRow(row, drive);
-    Require(SortedListFiles(drive).size() == rows.size(), "sorting loses no row");
 }
 
 void CheckFreeSpace(int drive) {
@@ -177,8 +136,20 @@ void CheckFreeSpace(int drive) {
     ShowFree(drive);
 }
 
+Range RegionFor(int drive, std::size_t bytes) {
+    const int sectors = SectorsOf(static_cast<std::uint32_t>(bytes));
+    for (const auto& [first, behind] : KeptRegions(drive))
+        if (sectors <= behind - first) {
+            const std::int64_t start =
+                GetStartSectorOfDrive(drive) + std::int64_t{first} * kSectorBytes;
+            return {start, start + sectors * kSectorBytes};
+        }
+    return {};
+}
+
 bool ArrivesWhole(const ListRow& row, int drive) {
-    return IsPlainName(row.FileName) && IsListedWhereverItGoes(drive);
+    return std::ranges::all_of(row.FileName, [](char c) { return c > ' ' && c < 127; }) &&
+           IsListedWhereverItGoes(drive);
 }
 
 void CheckCopy(const ListRow& row, int drive) {

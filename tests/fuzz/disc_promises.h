@@ -39,6 +39,9 @@ void CheckCatalogue(int drive);
 /// and hold no sector of a file.
 void CheckFreeSpace(int drive);
 
+/// The lowest free region that takes a file of so many bytes, as far as the file goes.
+[[nodiscard]] Range RegionFor(int drive, std::size_t bytes);
+
 /// True if a copy of the file will be listed on `drive` as it is here: its name fits a sidecar and
 /// the catalogue is neither damaged nor full, nor one whose first half alone is empty.
 [[nodiscard]] bool ArrivesWhole(const ListRow& row, int drive);

@@ -13,6 +13,26 @@ namespace quoravel {
 
 using Bytes = std::span<const std::uint8_t>;
 
+/// Each runs one input of the fuzzer of its name; start.cpp makes a program of it.
+namespace fuzzers {
+
+void disc(Bytes input);
+void catalogue_pages(Bytes input);
+void text_hex(Bytes input);
+void basic(Bytes input);
+void disassembler(Bytes input);
+void wordwise(Bytes input);
+void listing(Bytes input);
+void sidecar(Bytes input);
+void wire(Bytes input);
+void link(Bytes input);
+void xml(Bytes input);
+void values(Bytes input);
+void preferences(Bytes input);
+void place(Bytes input);
+
+} // namespace fuzzers
+
 /// Ends the run at the input that breaks a promise.
 inline void Require(bool promise, const char* what) {
     if (promise)
@@ -29,8 +49,6 @@ inline void Require(bool promise, const char* what) {
 class Input {
   public:
     explicit Input(Bytes bytes) : rest_(AsText(bytes)) {}
-
-    [[nodiscard]] bool IsAtEnd() const { return rest_.empty(); }
 
     /// A byte, held below `bound`.
     unsigned Number(unsigned bound = 256) {

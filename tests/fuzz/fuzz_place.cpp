@@ -46,10 +46,7 @@ void CheckReachable(const QRect& window) {
 
 } // namespace
 
-} // namespace quoravel
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    using namespace quoravel;
+void fuzzers::place(Bytes bytes) {
     static const bool without_a_screen = qputenv("QT_QPA_PLATFORM", "offscreen");
     static std::array<char*, 1> arguments{};
     static int count = 0;
@@ -58,7 +55,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Require(without_a_screen, "the desktop is one of memory");
     ScriptedHost desktop;
     desktop.preferences_folder = folder.path();
-    Input input({data, size});
+    Input input(bytes);
     const QSize proposed(64 + 8 * static_cast<int>(input.Number()),
                          64 + 8 * static_cast<int>(input.Number()));
     folder.File(kName, PreferencesOf(input));
@@ -70,5 +67,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     CheckReachable(place);
     CheckReachable({StoredPosition("Main", QSize(300, 150)), QSize(300, 150)});
     XMLPreferences::ForgetPrefFile();
-    return 0;
 }
+
+} // namespace quoravel

@@ -1,4 +1,13 @@
+#include "fuzz/fuzz.h"
+
 #include <gtest/gtest.h>
+
+// Makes a program of the fuzzer that FUZZER names.
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    quoravel::fuzzers::FUZZER({data, size});
+    return 0;
+}
 
 // What the doubles of the tests complain about, such as a question that nobody answers, ends the
 // run of a fuzzer as a broken promise does.
