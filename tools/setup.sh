@@ -4,7 +4,7 @@
 
 packages_build=(g++ cmake ninja-build libexpat1-dev libpugixml-dev qt6-base-dev
     qt6-serialport-dev)
-packages_tests=(libgtest-dev libgmock-dev libplist-utils poppler-utils qt6-multimedia-dev
+packages_tests=(libgtest-dev libgmock-dev poppler-utils qt6-multimedia-dev
     xvfb xauth openbox dbus-daemon at-spi2-core python3-gi gir1.2-atspi-2.0)
 packages_emulator=(nodejs npm)
 packages_checks=(clang libclang-rt-dev clang-format clang-tidy python3)

@@ -72,12 +72,8 @@ void CompanionDouble::Take(std::string_view bytes, Time now) {
 
 std::string CompanionDouble::Give(Time now) {
     std::string bytes;
-    for (; given_ < line_out_.size() && line_out_[given_].due <= now; ++given_)
-        bytes += line_out_[given_].byte;
-    if (given_ == line_out_.size()) {
-        line_out_.clear();
-        given_ = 0;
-    }
+    for (; !line_out_.empty() && line_out_.front().first <= now; line_out_.pop_front())
+        bytes += line_out_.front().second;
     return bytes;
 }
 
@@ -215,9 +211,9 @@ void CompanionDouble::Answer(std::string bytes) {
     spoil(reply);
     Time due = now_ + reply.delay;
     if (!line_out_.empty())
-        due = std::max(due, line_out_.back().due);
+        due = std::max(due, line_out_.back().first);
     for (const char byte : reply.bytes)
-        line_out_.push_back({due += byte_time, byte});
+        line_out_.emplace_back(due += byte_time, byte);
 }
 
 } // namespace quoravel

@@ -3,11 +3,13 @@
 #include <array>
 #include <chrono>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <map>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace quoravel {
@@ -70,13 +72,7 @@ class CompanionDouble {
     Time now_{0};
     Time last_byte_{0};
 
-    struct Sent {
-        Time due;
-        char byte;
-    };
-
-    std::vector<Sent> line_out_;
-    std::size_t given_ = 0;
+    std::deque<std::pair<Time, char>> line_out_; ///< when each byte is due
 };
 
 /// The CRC of a packet, bit by bit.
