@@ -96,9 +96,7 @@ TEST_F(CataloguePages, APageFollowsTheUserToTheOtherDriveUnlessItMustNotBeInterr
 }
 
 TEST_F(CataloguePages, TheMapHasALineForEachFreeRegion) {
-    DiscBuilder(1)
-        .File({.name = "B", .length = 256, .sector = 10})
-        .File({.name = "A", .sector = 2});
+    DiscBuilder(1).File(At(10, 256, "B")).File({.name = "A", .sector = 2});
     GetFreeSpaceMap(1);
     Module1::cur_drive = 1;
     DiscBuilder(1); // the map stays as it was last counted

@@ -29,15 +29,6 @@ TEST_F(Catalogue, MeantEighthsOfAFileAddUpOverBothCatalogues) {
     EXPECT_FALSE(IsWatfordDFS(0)) << "all eight marker bytes count";
 }
 
-TEST_F(Catalogue, ASectorCountAboveWhatTheStoreHoldsIsCutTo800) {
-    using Row = std::tuple<int, int, int>;
-    for (const auto& [flags, low, sectors] :
-         {Row{0x03, 0x21, 800}, Row{0xFF, 0xFF, 800}, Row{0xF3, 0x1F, 799}, Row{0xFC, 0x00, 0}}) {
-        DiscBuilder(1).Byte(262, flags).Byte(263, low);
-        EXPECT_EQ(GetNumberOfSectors(1), sectors) << flags << " " << low;
-    }
-}
-
 TEST_F(Catalogue, TheCycleNumberCountsInDecimalAndMarksTheDiscAsChanged) {
     using Row = std::tuple<int, int>;
     for (const auto& [was, is] :
@@ -253,7 +244,7 @@ TEST_F(FileCommands, RenamingRefusesNamesInTheOrderOfItsChecks) {
 }
 
 TEST_F(FileCommands, AddressesAreStoredWithEighteenBits) {
-    DiscBuilder().File({.name = "A", .length = 0x3ABCD, .sector = 0x31F});
+    DiscBuilder().File(At(0x31F, 0x3ABCD, "A"));
     using Row = std::tuple<const char*, const char*, const char*>;
     // Meant: the high bits of the load address follow those of the exec address.
     for (const auto& [load, exec, stored] :

@@ -62,8 +62,8 @@ TEST_F(Compaction, AWatfordDiscFillsItsFirstCatalogueFromItsSecond) {
 TEST_F(Compaction, TheSecondCataloguesFilesGoAboveTheFirsts) {
     DiscBuilder(1, DiscBuilder::kWatford)
         .File(At(9, 256))
-        .SecondFile({.name = "C", .length = 256, .sector = 40})
-        .SecondFile({.name = "B", .length = 512, .sector = 20})
+        .SecondFile(At(40, 256, "C"))
+        .SecondFile(At(20, 512, "B"))
         .Data(20, "b")
         .Data(40, "c");
     CompactDrive(1);
@@ -72,11 +72,7 @@ TEST_F(Compaction, TheSecondCataloguesFilesGoAboveTheFirsts) {
 }
 
 TEST_F(Compaction, MeantAnEntryOutOfOrderOverwritesAFileThatHasNotMoved) {
-    DiscBuilder(0)
-        .File({.name = "LOW", .length = 256, .sector = 2})
-        .File({.name = "HIGH", .length = 256, .sector = 9})
-        .Data(2, "low.")
-        .Data(9, "high");
+    DiscBuilder(0).File(At(2, 256, "LOW")).File(At(9, 256, "HIGH")).Data(2, "low.").Data(9, "high");
     CompactDrive(0);
     EXPECT_THAT(Places(0), ElementsAre(Pair("$.LOW", 3), Pair("$.HIGH", 2)));
     EXPECT_EQ(SectorText(0, 2, 4) + SectorText(0, 3, 4), "highhigh");
@@ -93,10 +89,7 @@ TEST_F(Compaction, MeantTheBytesMoveOnTheCurrentDrive) {
 }
 
 TEST_F(Compaction, MeantALengthThatReadsAsFFDragsTheRestOfTheBlockDown) {
-    DiscBuilder(0)
-        .File({.name = "LAST", .length = 4, .sector = 0x20})
-        .File({.name = "LONG", .length = 0x30000, .sector = 4})
-        .Data(4, "long");
+    DiscBuilder(0).File(At(0x20, 4, "LAST")).File(At(4, 0x30000, "LONG")).Data(4, "long");
     DiscBuilder(1).Data(20, "one!");
     CompactDrive(0);
     EXPECT_EQ(SectorText(0, 2, 4), "long");

@@ -132,10 +132,7 @@ TEST_F(Import, NamesComeFromTheSidecarOrTheHost) {
 }
 
 TEST_F(Import, TheLowestRegionThatFitsWins) {
-    Disc(DiscBuilder()
-             .File({.name = "HIGH", .length = 256, .sector = 20})
-             .File({.name = "LOW", .length = 256, .sector = 4})
-             .File({.name = "ROOT", .length = 256, .sector = 2}));
+    Disc(DiscBuilder().File(At(20, 256, "HIGH")).File(At(4, 256, "LOW")).File(At(2, 256, "ROOT")));
     Take(File("TWO", 257));
     Take(File("ONE", 256));
     Take(File("NONE", 0));
@@ -182,18 +179,16 @@ TEST_F(Import, MeantTheSidecarsLengthCountsInTheCatalogueOnly) {
 }
 
 TEST_F(Import, MeantTheLowestFileOfAllHeadsTheCatalogue) {
-    Disc(DiscBuilder()
-             .File({.name = "HIGH", .length = 256, .sector = 20})
-             .File({.name = "LOW", .length = 256, .sector = 10}));
+    Disc(DiscBuilder().File(At(20, 256, "HIGH")).File(At(10, 256, "LOW")));
     Take(File("LOWEST"));
     EXPECT_THAT(Names(0), ElementsAre("$.LOWEST", "$.HIGH", "$.LOW"));
 }
 
 TEST_F(Import, MeantAFullFirstCatalogueCanLoseItsLastEntry) {
     DiscBuilder disc(0, DiscBuilder::kWatford);
-    disc.File({.name = "TOP", .length = 256, .sector = 100});
+    disc.File(At(100, 256, "TOP"));
     for (int i = 1; i < 31; ++i)
-        disc.File({.name = "A" + std::to_string(i), .length = 256, .sector = 34 - i});
+        disc.File(At(34 - i, 256, "A" + std::to_string(i)));
     Disc(disc);
     Take(File("NEW"));
     EXPECT_EQ(Byte(kCount), 0) << "248 and 8 are 0 in a byte";
@@ -203,8 +198,8 @@ TEST_F(Import, MeantAFullFirstCatalogueCanLoseItsLastEntry) {
 
 TEST_F(Import, MeantAnEmptyFirstCatalogueTakesTheSlotFoundInTheSecond) {
     Disc(DiscBuilder(0, DiscBuilder::kWatford)
-             .SecondFile({.name = "B0", .length = 256, .sector = 80})
-             .SecondFile({.name = "B1", .length = 256, .sector = 4}));
+             .SecondFile(At(80, 256, "B0"))
+             .SecondFile(At(4, 256, "B1")));
     Take(File("NEW", 0));
     EXPECT_EQ(Byte(kCount), 8);
     EXPECT_EQ(Byte(kSecondCount), 16);
@@ -285,7 +280,7 @@ TEST_F(Export, TheCellsOfTheRowCountAndALengthBeyondTheBlockEndsThere) {
 }
 
 TEST_F(Export, WhatCannotBeWrittenIsNamedAndLeavesNothingHalfWritten) {
-    DiscBuilder().File({.name = "X", .length = 600, .sector = 2});
+    DiscBuilder().File(At(2, 600, "X"));
     const std::vector<ListRow> rows = ListFiles(0);
     {
         const FullDisc full(512);

@@ -55,28 +55,23 @@ TEST_F(ImageFiles, TheNameTellsTheForm) {
 }
 
 TEST_F(ImageFiles, ABlankDriveHoldsOnlyItsSectorCountAndMarker) {
-    using Row = std::tuple<int, bool, std::uint8_t, std::uint8_t, int>;
-    for (const auto& [tracks, watford, high, low, free] :
-         {Row{80, false, 3, 32, 798}, Row{40, true, 1, 144, 396}})
-        for (const int drive : {0, 1}) {
-            SCOPED_TRACE(testing::Message() << tracks << " tracks, drive " << drive);
-            Module1::DiscImg.Fill(0, kDiscBytes, kOldByte);
-            Module1::gDirty = true;
-            Bytes expected(kDiscBytes, kOldByte);
-            NewDisc(drive, tracks, watford);
-            const auto start = expected.begin() + std::ptrdiff_t{drive} * kSide;
-            std::fill(start, start + std::ptrdiff_t{tracks} * kTrack, 0);
-            start[262] = high;
-            start[263] = low;
-            if (watford) {
-                std::fill(start + 512, start + 520, 0xAA);
-                start[774] = high;
-                start[775] = low;
-            }
-            EXPECT_EQ(BlockBytes(), expected) << "what lies behind 40 tracks stays";
-            EXPECT_THAT(FreeRegions(drive), ElementsAre(Pair(watford ? 4 : 2, free)));
-            EXPECT_FALSE(Module1::gDirty);
-        }
+    Bytes expected(kDiscBytes, kOldByte);
+    Module1::DiscImg.Write(0, expected);
+    Module1::gDirty = true;
+    std::fill_n(expected.begin(), kSide, 0);
+    expected[262] = 3;
+    expected[263] = 32;
+    const auto side = expected.begin() + kSide;
+    std::fill_n(side, 40 * kTrack, 0); // what lies behind 40 tracks stays
+    std::fill_n(side + 512, 8, 0xAA);
+    side[262] = side[774] = 1;
+    side[263] = side[775] = 144;
+    NewDisc(0, 80, false);
+    NewDisc(1, 40, true);
+    EXPECT_EQ(BlockBytes(), expected);
+    EXPECT_THAT(FreeRegions(0), ElementsAre(Pair(2, 798)));
+    EXPECT_THAT(FreeRegions(1), ElementsAre(Pair(4, 396)));
+    EXPECT_FALSE(Module1::gDirty);
 }
 
 TEST_F(ImageFiles, ALinearFileOfAnyLengthFillsDriveZeroFromTheFront) {

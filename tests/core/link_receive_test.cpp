@@ -105,7 +105,7 @@ TEST_F(LinkReceiveTest, WhatFailsBeforeTheFirstTrackIsTold) {
 
 TEST_F(LinkReceiveTest, ATrackThatFailsIsAskedForAgain) {
     using Spoiler = std::function<void(std::string&)>;
-    using Row = std::tuple<const char*, Spoiler, Strings, bool>;
+    using Row = std::tuple<const char*, Spoiler, Strings>;
     const std::string failed = "Track Decompression Failed - Track Length = ";
     const std::string timeout = "Timeout waiting for response";
     const auto set = [](std::size_t at, int value) -> Spoiler {
@@ -117,43 +117,28 @@ TEST_F(LinkReceiveTest, ATrackThatFailsIsAskedForAgain) {
     const auto crc = [](const std::string& line) -> Spoiler {
         return [=](std::string& bytes) { bytes.replace(bytes.size() - 6, 6, line); };
     };
-    // A packet on this disc: 2 length bytes, 20 single ones from 2 on, then runs. The line is
-    // drained before the track is asked for again, unless it is known to be silent.
-    for (const auto& [what, spoil, trace, drains] :
-         {Row{"silence", cut(0), {timeout}, true},
-          Row{"one byte", cut(1), {"Compressed Packet Size -196", failed + "0"}, true},
-          Row{"a long packet", set(1, 11), {"Incorrect packet length received"}, true},
-          Row{"an unknown escape", set(23, 3), {"Unknown ESCAPE sequence"}, true},
-          Row{"a byte too few", set(24, 254), {failed + "2559"}, true},
-          Row{"a byte doubled", [](auto& b) { b.insert(5, 1, b[5]); }, {failed + "2561"}, true},
-          Row{"a short CRC", crc("12"), {"Waiting for Track CRC"}, true},
-          Row{"another CRC",
-              crc("00123\r"),
-              {"Received Track CRC of 123", "Mismatch in CRC"},
-              false},
-          Row{"a byte changed", set(7, 0), {"Mismatch in CRC"}, false}}) {
+    // A packet on this disc: 2 length bytes, 20 single ones from 2 on, then runs.
+    for (const auto& [what, spoil, trace] :
+         {Row{"silence", cut(0), {timeout}},
+          Row{"one byte", cut(1), {"Compressed Packet Size -196", failed + "0"}},
+          Row{"a long packet", set(1, 11), {"Incorrect packet length received"}},
+          Row{"an unknown escape", set(23, 3), {"Unknown ESCAPE sequence"}},
+          Row{"a byte too few", set(24, 254), {failed + "2559"}},
+          Row{"a byte doubled", [](auto& b) { b.insert(5, 1, b[5]); }, {failed + "2561"}},
+          Row{"a short CRC", crc("12"), {"Waiting for Track CRC"}},
+          Row{"another CRC", crc("00123\r"), {"Received Track CRC of 123", "Mismatch in CRC"}},
+          Row{"a byte changed", set(7, 0), {"Mismatch in CRC"}}}) {
         SCOPED_TRACE(what);
         micro.discs[0] = Disc(0, 40);
         micro.heard.clear();
         pane.text.clear();
         desktop.files = {file};
         Trace();
-        std::int64_t asked = 0;
-        Spoil("G 0 3", [this, &asked, how = spoil](Reply& reply) {
-            how(reply.bytes);
-            asked = Milliseconds();
-        });
-        std::int64_t asked_again = 0;
-        port.on_write = [&](std::string_view bytes) {
-            if (asked != 0 && asked_again == 0)
-                asked_again = Milliseconds();
-            micro.Take(bytes, desktop.now);
-        };
+        Spoil("G 0 3", [how = spoil](Reply& reply) { how(reply.bytes); });
         ASSERT_TRUE(ReceiveSide(0));
         EXPECT_EQ(BytesOf(file), micro.discs[0]);
         EXPECT_EQ(std::ranges::count(micro.heard, "G 0 3"), 2);
         EXPECT_THAT(TraceLines(), IsSupersetOf(trace));
-        EXPECT_EQ(asked_again - asked >= 2000, drains);
     }
 }
 

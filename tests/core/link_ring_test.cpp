@@ -38,14 +38,6 @@ TEST_F(LinkRingTest, AReadWaitsAsLongAsItIsTold) {
     EXPECT_EQ(get_char(0), 'A') << "a waiting byte wins over the shortest timeout";
 }
 
-TEST_F(LinkRingTest, BytesThatCameWhileABoxStoodAreNoTimeout) {
-    Later(10, [this] { desktop.now += std::chrono::milliseconds(300); });
-    Arrive(100, "A");
-    EXPECT_EQ(get_char(200), 'A');
-    Arrive(200, "B"); // in the very turn in which the time is over
-    EXPECT_EQ(get_char(200), 'B');
-}
-
 TEST_F(LinkRingTest, TheRingGoesRoundWithoutLossAndAnOverrunOverwritesTheOldestBytes) {
     for (const char sent : "ABCD"s) {
         port.received = std::string(20001, sent);

@@ -17,9 +17,9 @@ struct Entry {
     int sector = 0;
 };
 
-/// A file "A" of `length` bytes from `sector` on.
-[[nodiscard]] constexpr Entry At(int sector, std::uint32_t length) {
-    return {.name = "A", .length = length, .sector = sector};
+/// A file of `length` bytes from `sector` on.
+[[nodiscard]] constexpr Entry At(int sector, std::uint32_t length, std::string_view name = "A") {
+    return {.name = name, .length = length, .sector = sector};
 }
 
 /// Writes a catalogue into one drive of DiscImg, byte by byte and with nothing of the code under
