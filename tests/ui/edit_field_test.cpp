@@ -8,9 +8,9 @@
 #include <QTest>
 #include <QTextBlock>
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <random>
-#include <tuple>
 
 namespace quoravel {
 namespace {
@@ -83,9 +83,11 @@ TEST_F(EditFieldTest, PositionsCountInTheTextAsItWasGiven) {
     const std::vector<std::string> pieces{"a", "bc", "\r", "\n", "\r\n", "\r\n\r\n", "\t", ""};
     std::string expected;
     for (int i = 0; i < 400; ++i) {
-        const auto start = static_cast<std::size_t>(random() % (expected.size() + 1));
-        field.SetSelStart(static_cast<int>(start));
-        field.SetSelLength(static_cast<int>(random() % 4));
+        const int size = static_cast<int>(expected.size());
+        const int start = static_cast<int>(random() % (expected.size() + 21)) - 10;
+        field.SetSelStart(start); // outside the text is its nearer end
+        EXPECT_LE(std::abs(field.SelStart() - std::clamp(start, 0, size)), 1);
+        field.SetSelLength(static_cast<int>(random() % 5) - 1);
         const auto from = static_cast<std::size_t>(field.SelStart());
         const auto length = static_cast<std::size_t>(field.SelLength());
         const std::string& piece = pieces[random() % pieces.size()];
@@ -105,18 +107,6 @@ TEST_F(EditFieldTest, PositionsCountInTheTextAsItWasGiven) {
             ++lines;
     }
     EXPECT_EQ(field.document()->blockCount(), lines);
-}
-
-TEST_F(EditFieldTest, ASelectionOutsideTheTextIsCutOff) {
-    field.SetSelText("first\r\nsecond");
-    using Row = std::tuple<int, int, std::string_view>;
-    for (const auto& [start, length, selected] :
-         {Row{-100, 3, "fir"}, Row{7, 1000, "second"}, Row{1000, 4, ""}, Row{3, -2, ""}}) {
-        SCOPED_TRACE(start);
-        field.SetSelStart(start);
-        field.SetSelLength(length);
-        EXPECT_EQ(field.SelText(), selected);
-    }
 }
 
 TEST_F(EditFieldTest, WhatIsWrittenIsThereWithTheNextEventsAndDoesNotScroll) {
@@ -140,14 +130,14 @@ TEST_F(EditFieldTest, StylesHoldForWhatIsWrittenAfterThem) {
     field.SetSelUnderline(true);
     field.SetSelBold(false);
     field.SetSelText("underlined");
-    using Row = std::tuple<int, bool, bool>;
-    for (const auto& [offset, bold, underlined] :
-         {Row{2, false, false}, Row{8, true, false}, Row{15, false, true}}) {
-        QTextCursor cursor(field.document());
-        cursor.setPosition(offset + 1);
-        EXPECT_EQ(cursor.charFormat().fontWeight() == QFont::Bold, bold) << offset;
-        EXPECT_EQ(cursor.charFormat().fontUnderline(), underlined) << offset;
+    std::string styles;
+    const QTextBlock line = field.document()->firstBlock();
+    for (auto piece = line.begin(); !piece.atEnd(); ++piece) {
+        const QTextCharFormat format = piece.fragment().charFormat();
+        styles += piece.fragment().text().toStdString() + (format.fontUnderline() ? "_" : "") +
+                  (format.fontWeight() == QFont::Bold ? "*" : "") + "|";
     }
+    EXPECT_EQ(styles, "plain |bold *|underlined_|");
     EXPECT_EQ(ColumnOf(10) - ColumnOf(5), ColumnOf(5) - ColumnOf(0)) << "bold has other cells";
 }
 
@@ -163,12 +153,11 @@ TEST_F(EditFieldTest, TheUserCannotChangeTheText) {
 
 TEST_F(EditFieldTest, ALongLineIsScrolledToItsCaret) {
     field.SetSelText(std::string(200000, 'x') + "y\r\nshort");
-    field.SetSelStart(200000);
-    field.ShowCaretColumn();
-    EXPECT_TRUE(field.viewport()->rect().contains(field.cursorRect()));
-    field.SetSelStart(3);
-    field.ShowCaretColumn();
-    EXPECT_TRUE(field.viewport()->rect().contains(field.cursorRect()));
+    for (const int caret : {200000, 3}) {
+        field.SetSelStart(caret);
+        field.ShowCaretColumn();
+        EXPECT_TRUE(field.viewport()->rect().contains(field.cursorRect())) << caret;
+    }
 }
 
 } // namespace

@@ -12,6 +12,7 @@
 
 #include <functional>
 #include <gtest/gtest.h>
+#include <tuple>
 
 namespace quoravel {
 namespace {
@@ -42,32 +43,25 @@ TEST(QtHostTest, ABoxShowsItsTextAsItStandsAndKeysAnswerIt) {
     }
 }
 
-/// Lets `wait` run under a real event loop, quits while it stands, and tells whether it unwound.
-bool UnwindsAtQuit(const std::function<void(Host&)>& wait) {
-    QtHost desktop;
-    bool unwound = false;
-    QTimer::singleShot(0, qApp, [&] {
-        QTimer::singleShot(0, qApp, [&] { desktop.Quit(); });
-        try {
-            wait(desktop);
-        } catch (const AppQuitting&) {
+TEST(QtHostTest, AtQuitEveryKindOfWaitUnwinds) {
+    for (const auto& wait : std::vector<std::function<void(Host&)>>{
+             [](Host& desktop) { desktop.MsgBox("text"); },
+             [](Host& desktop) { static_cast<void>(desktop.AskYesNo("text", "")); },
+             [](Host&) { ShowModal<QDialog>(); }, [](Host& desktop) { desktop.DoEvents(10'000); },
+             [](Host&) {
+                 while (true)
+                     Yield();
+             }}) {
+        QtHost desktop;
+        bool unwound = false;
+        QTimer::singleShot(0, qApp, [&] {
+            QTimer::singleShot(0, qApp, [&] { desktop.Quit(); });
+            EXPECT_THROW(wait(desktop), AppQuitting);
             unwound = true;
-        }
-    });
-    App::exec();
-    return unwound;
-}
-
-TEST(QtHostQuit, UnwindsEveryKindOfWait) {
-    EXPECT_TRUE(UnwindsAtQuit([](Host& desktop) { desktop.MsgBox("text"); }));
-    EXPECT_TRUE(
-        UnwindsAtQuit([](Host& desktop) { static_cast<void>(desktop.AskYesNo("text", "")); }));
-    EXPECT_TRUE(UnwindsAtQuit([](Host&) { ShowModal<QDialog>(); }));
-    EXPECT_TRUE(UnwindsAtQuit([](Host& desktop) { desktop.DoEvents(10'000); }));
-    EXPECT_TRUE(UnwindsAtQuit([](Host&) {
-        while (true)
-            Yield();
-    }));
+        });
+        App::exec();
+        EXPECT_TRUE(unwound);
+    }
 }
 
 TEST(QtHostTest, DoEventsKeepsItsPaceAndRunsWhatComes) {
@@ -87,23 +81,21 @@ TEST(QtHostTest, ALinkTellsHowItsOpenerEnded) {
         folder.File("xdg-open", "#!/bin/sh\necho no method for $1\nexit 3\n"),
         std::filesystem::perms::owner_all);
     const QByteArray path = qgetenv("PATH");
-    int code = -1;
-    std::string result;
-    const auto open = [&] {
-        code = -1;
+    const QByteArray here = QByteArray::fromStdString(folder.path().string());
+    using Row = std::tuple<QByteArray, int, std::string_view>;
+    for (const auto& [searched, expected, told] :
+         {Row{here + ":" + path, 3, "no method for https://quoravel.example/"},
+          Row{here + "/none", 127, ""}}) {
+        qputenv("PATH", searched);
+        int code = -1;
+        std::string result;
         desktop.OpenLink("https://quoravel.example/", [&](int c, const std::string& r) {
-            code = c;
-            result = r;
+            std::tie(code, result) = std::pair(c, r);
         });
         EXPECT_TRUE(QTest::qWaitFor([&] { return code != -1; }));
-    };
-    qputenv("PATH", QByteArray::fromStdString(folder.path().string()) + ":" + path);
-    open();
-    EXPECT_EQ(code, 3);
-    EXPECT_EQ(result, "no method for https://quoravel.example/");
-    qputenv("PATH", QByteArray::fromStdString(folder.path().string() + "/none"));
-    open();
-    EXPECT_EQ(code, 127);
+        EXPECT_EQ(code, expected);
+        EXPECT_TRUE(result.starts_with(told)) << result;
+    }
     qputenv("PATH", path);
 }
 

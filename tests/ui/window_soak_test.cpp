@@ -4,15 +4,12 @@
 #include "support/main_window_test.h"
 #include "view/frmView.h"
 
-#include <cstdlib>
 #include <fstream>
 #include <malloc.h>
 #include <unistd.h>
 
 namespace quoravel {
 namespace {
-
-constexpr int kEverydayWindows = 300;
 
 #if defined(__SANITIZE_ADDRESS__)
 constexpr bool kMemoryCounts = false; // what is freed is kept for a while
@@ -69,9 +66,9 @@ TEST_F(WindowSoak, WindowsLeaveNothingBehind) {
         Round();
     const auto widgets = QApplication::allWidgets().size();
     const long memory = Memory();
-    const char* wanted = std::getenv("QUORAVEL_SOAK_WINDOWS");
+    const int wanted = qEnvironmentVariable("QUORAVEL_SOAK_WINDOWS", QStringLiteral("300")).toInt();
     int windows = 0;
-    while (windows < (wanted == nullptr ? kEverydayWindows : std::atoi(wanted)))
+    while (windows < wanted)
         windows += Round();
     EXPECT_EQ(QApplication::allWidgets().size(), widgets);
     if (kMemoryCounts) {
