@@ -2,6 +2,7 @@
 #include "link/ring.h"
 #include "link/serial.h"
 #include "link/track_link.h"
+#include "measure.h"
 #include "platform/qt/qt_host.h"
 #include "platform/qt/serial_port.h"
 
@@ -9,11 +10,8 @@
 
 #include <array>
 #include <atomic>
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
+#include <ctime>
 #include <fcntl.h>
-#include <sys/resource.h>
 #include <termios.h>
 #include <thread>
 #include <unistd.h>
@@ -25,7 +23,6 @@ namespace quoravel {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
 using namespace std::chrono_literals;
 
 constexpr int kTracks = 8;
@@ -37,20 +34,16 @@ struct Load {
 };
 
 double CpuOfThread() {
-    rusage usage{};
-    ::getrusage(RUSAGE_THREAD, &usage);
-    const auto seconds = [](const timeval& time) {
-        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
-    };
-    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
+    timespec time{};
+    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
 }
 
 template<class Work>
 Load Measure(Work work) {
     const double cpu = CpuOfThread();
-    const auto start = Clock::now();
-    work();
-    return {std::chrono::duration<double>(Clock::now() - start).count(), CpuOfThread() - cpu};
+    const double seconds = Seconds(work);
+    return {seconds, CpuOfThread() - cpu};
 }
 
 int OpenMaster() {

@@ -1,18 +1,13 @@
 #include "disc/image_files.h"
 #include "disc/module1.h"
 #include "exchange/audit.h"
+#include "measure.h"
 #include "support/disc_builder.h"
-#include "support/scripted_host.h"
 #include "support/temp_folder.h"
 #include "view/drive_listing.h"
 
-#include <algorithm>
-#include <cstdio>
-#include <cstdlib>
-#include <ctime>
 #include <fcntl.h>
 #include <filesystem>
-#include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <unistd.h>
 #include <utility>
@@ -26,18 +21,15 @@ namespace quoravel {
 namespace {
 
 namespace fs = std::filesystem;
-using Clock = std::chrono::steady_clock;
 
 constexpr int kFolders = 500;
 constexpr int kImagesAFolder = 20;
 constexpr int kSmallFilesAFolder = 200;
 constexpr int kTurns = 5;
 
-/// A desktop with a real clock that notes the longest time between two looks at the events.
-class WatchedHost : public ScriptedHost {
+/// Notes the longest time between two looks at the events.
+class WatchedHost : public RealClockHost {
   public:
-    std::chrono::nanoseconds Now() override { return Clock::now().time_since_epoch(); }
-
     void DoEvents(int /*milliseconds*/) override {
         const auto start = std::exchange(last, Clock::now());
         longest = std::max(longest, last - start);
@@ -52,26 +44,6 @@ struct NoWindow : ListingProgress {
 
     void SetProgress(int /*percent*/) override {}
 };
-
-/// Processor time of this program, so that it does not matter what else the machine is doing.
-template<class Work>
-double CpuSeconds(Work work) {
-    const std::clock_t start = std::clock();
-    work();
-    return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
-}
-
-template<class Work>
-double Seconds(Work work) {
-    const auto start = Clock::now();
-    work();
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-double Median(std::vector<double> times) {
-    std::ranges::nth_element(times, times.begin() + kTurns / 2);
-    return times[kTurns / 2];
-}
 
 template<class Each>
 void InFolders(const fs::path& tree, Each each) {
@@ -131,17 +103,16 @@ void BenchListing(WatchedHost& host) {
     const TempFolder out;
     NoWindow window;
     const long before = PeakMemory();
-    std::vector<double> reading;
-    std::vector<double> listing;
     host.longest = {};
-    for (int i = 0; i < kTurns; ++i) {
-        reading.push_back(CpuSeconds([&] { ReadAll(images); }));
-        host.last = Clock::now();
-        listing.push_back(
-            Seconds([&] { ListImagesBelow(tree.path(), out.path() / "exall.txt", window); }));
-    }
+    const Medians times = ByTurns(
+        kTurns,
+        [&] {
+            host.last = Clock::now();
+            return Seconds([&] { ListImagesBelow(tree.path(), out.path() / "exall.txt", window); });
+        },
+        [&] { return CpuSeconds([&] { ReadAll(images); }); });
     std::printf("%zu images listed: %.2f s, read: %.2f s, ratio %.2f (at most 1.5)\n",
-                images.size(), Median(listing), Median(reading), Median(listing) / Median(reading));
+                images.size(), times.ours, times.yardstick, times.ratio);
     std::printf("longest time without a look at the events: %.1f ms (at most 50); "
                 "memory grew by %ld KB\n",
                 std::chrono::duration<double, std::milli>(host.longest).count(),
@@ -152,15 +123,12 @@ void BenchWalk() {
     const TempFolder tree;
     MakeSmallFiles(tree.path());
     const std::string find = "find " + tree.path().string() + " -type f >/dev/null";
-    std::vector<double> walking;
-    std::vector<double> finding;
-    for (int i = 0; i < kTurns; ++i) {
-        finding.push_back(Seconds([&] { EXPECT_EQ(std::system(find.c_str()), 0); }));
-        walking.push_back(Seconds([&] { static_cast<void>(Walk(tree.path())); }));
-    }
+    const Medians times = ByTurns(
+        kTurns, [&] { return Seconds([&] { static_cast<void>(Walk(tree.path())); }); },
+        [&] { return Seconds([&] { Check(std::system(find.c_str()) == 0, "find finds"); }); });
     std::printf("%d files walked: %.1f ms, find: %.1f ms, ratio %.2f (at most 2)\n",
-                kFolders * kSmallFilesAFolder, Median(walking) * 1e3, Median(finding) * 1e3,
-                Median(walking) / Median(finding));
+                kFolders * kSmallFilesAFolder, times.ours * 1e3, times.yardstick * 1e3,
+                times.ratio);
 }
 
 } // namespace

@@ -7,8 +7,6 @@ set -eu -o pipefail
 build=$(readlink -f "$1")
 page=$2
 here=$(dirname "$(readlink -f "$0")")
-repeat=(--benchmark_repetitions=9 --benchmark_min_time=0.2 --benchmark_enable_random_interleaving
-    --benchmark_report_aggregates_only --benchmark_color=false)
 
 # Two gigabytes of images, and no disc that could slow their reading.
 in_memory() { if [ -d /dev/shm ]; then TMPDIR=/dev/shm "$@"; else "$@"; fi; }
@@ -16,29 +14,18 @@ in_memory() { if [ -d /dev/shm ]; then TMPDIR=/dev/shm "$@"; else "$@"; fi; }
 offscreen() { QT_QPA_PLATFORM=offscreen "$@"; }
 
 # The sentences that hold a bound, as a list.
-sentences() { grep -E '\((at most|at least|under) ' | sed 's/^\x1b\[m//; s/^/- /'; }
-
-# The medians of what a benchmark processes, beside the least that is asked for.
-speeds() {
-    "$@" "${repeat[@]}" --benchmark_format=csv 2>/dev/null |
-        awk -F, '$1 ~ /_median"?$/ && $6 > 0 {
-            gsub(/"|_median/, "", $1)
-            printf "| %s | %.0f MB/s | %s |\n", $1, $6 / 1e6, ($1 ~ /WordWise/) ? 20 : 100 }' | sort
-}
+sentences() { grep -E '\((at most|at least|under) ' | sed 's/^/- /'; }
 
 new=$(mktemp)
 trap 'rm -f "$new"' EXIT
 
 start=$("$here/first_paint.sh" "$build/src/quoravel" "$build/bench/bare_window" \
     "$build/bench/libreport_first_paint.so" | sentences)
-disc=$("$build/bench/disc_bench" "${repeat[@]}" 2>/dev/null | sentences)
-exchange=$("$build/bench/bench_exchange" "${repeat[@]}" 2>/dev/null | sentences)
+disc=$("$build/bench/bench_disc" | sentences)
 listing=$(in_memory "$build/bench/bench_drive_listing" | sentences)
-view=$(offscreen "$build/bench/bench_view_window" "${repeat[@]}" 2>/dev/null | sentences)
-wordwise=$(offscreen "$build/bench/bench_wordwise_window" "${repeat[@]}" 2>/dev/null | sentences)
-renderers=$(speeds "$build/bench/view_bench")
+windows=$(offscreen "$build/bench/bench_windows" 2>/dev/null | sentences)
+speeds=$("$build/bench/bench_speeds")
 cable=$(offscreen "$build/bench/bench_cable" | sentences)
-codec=$(speeds "$build/bench/link_bench")
 
 cat >"$new" <<EOT
 # Performance
@@ -55,19 +42,17 @@ $start
 ## Discs and files
 
 $disc
-$exchange
 $listing
 
 ## Views
 
-$view
-$wordwise
+$windows
 
 What the renderers write without a window, and what the formatter reads:
 
 | | MB a second | at least |
 |---|---|---|
-$renderers
+$(grep -v Track <<<"$speeds" | sort)
 
 ## The cable
 
@@ -77,7 +62,7 @@ The codec of tracks alone, in bytes of packet; the number is the longest run in 
 
 | | MB a second | at least |
 |---|---|---|
-$codec
+$(grep Track <<<"$speeds" | sort)
 
 Whole discs over the cable take the micro's time; [the companion's page](companion.md) has them.
 EOT
