@@ -79,6 +79,8 @@ TEST_F(CataloguePages, RowsLeftEmptyComeFirst) {
 }
 
 TEST_F(CataloguePages, MeantAnExchangeCarriesOneOfTwoEqualNamesPastTheOther) {
+    DiscBuilder().File({.name = "abc"}).File({.name = "ABC"}).File({.name = "ABD"});
+    EXPECT_EQ(CatFiles(), Field("  abc") + Field("  ABC") + "\r" + Field("  ABD") + "\r\r");
     DiscBuilder().File({.name = "abc"}).File({.name = "ABC"}).File({.name = "ABB"});
     EXPECT_EQ(CatFiles(), Field("  ABB") + Field("  ABC") + "\r" + Field("  abc") + "\r\r");
 }

@@ -143,6 +143,7 @@ TEST_F(FileViews, BasicKeywordsStandOutsideQuotesAndEverythingElseAsItIs) {
           Row{"in quotes, and behind them", "22 F1 8D 22 F1", "\"\xF1\x8D\"PRINT"},
           Row{"in REM and DATA", "F4 20 22 81 22 81 DC 8D 54 4A 40", "REM \"\x81\"DIVDATA10"},
           Row{"control codes, in quotes too", "00 41 22 1F 22", " [0x00] A\" [0x1F] \""},
+          Row{"delete", "7F 22 7F", "\x7F\"\x7F"},
           // Meant: from 16384 on, numbers in a line come out too small.
           Row{"numbers", "8D 44 64 40 8D 74 64 40 8D 64 7F 7F", "10016416383"},
           Row{"large and odd numbers", "8D 50 40 40 8D 54 00 3F 8D FF FF FF", "0-32049087"}}) {

@@ -24,20 +24,6 @@ std::string Drained() {
     return bytes;
 }
 
-TEST_F(LinkRingTest, AReadWaitsAsLongAsItIsTold) {
-    EXPECT_EQ(get_char(200), -1);
-    EXPECT_EQ(Milliseconds(), 200);
-    EXPECT_EQ(port.polls, 200);
-    Cancel(); // does not shorten a wait
-    Arrive(150, "\xFF");
-    EXPECT_EQ(get_char(200), 255);
-    EXPECT_EQ(Milliseconds(), 350);
-    EXPECT_FALSE(timer.Enabled());
-    port.received = "A";
-    Serial1_DataAvailable();
-    EXPECT_EQ(get_char(0), 'A') << "a waiting byte wins over the shortest timeout";
-}
-
 TEST_F(LinkRingTest, TheRingGoesRoundWithoutLossAndAnOverrunOverwritesTheOldestBytes) {
     for (const char sent : "ABCD"s) {
         port.received = std::string(20001, sent);

@@ -1,4 +1,3 @@
-#include "prefs/base64.h"
 #include "prefs/value_text.h"
 
 #include <gtest/gtest.h>
@@ -65,22 +64,6 @@ TEST(PrefsText, OnlyWhatADocumentMayHoldIsLeft) {
               "abc\t\r\n\xEF\xBF\xBD");
     EXPECT_EQ(XmlText("Gr\xC3\xBC\xC3\x9F"), "Gr\xC3\xBC\xC3\x9F");
     EXPECT_EQ(XmlText("Gr\xFC\xDF"), "Gr\xC3\xBC\xC3\x9F"); // not UTF-8, so taken as Latin-1
-}
-
-TEST(PrefsText, Base64ComesInLinesOf45AndReadsPastWhatIsNotInItsAlphabet) {
-    const auto encoded = [](std::string_view text) {
-        return EncodeBase64({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
-    };
-    EXPECT_EQ(encoded("foofo"), "Zm9vZm8=");
-    EXPECT_EQ(encoded(std::string(34, '\xFF')),
-              "/////////////////////////////////////////////\r\nw==");
-    const auto decoded = [](std::string_view text) {
-        const auto bytes = DecodeBase64(text);
-        return std::string(bytes.begin(), bytes.end());
-    };
-    EXPECT_EQ(decoded("\n\tZm\r\n\t9v*Zg==ignored"), "foof");
-    EXPECT_EQ(decoded("Z"), "");
-    EXPECT_EQ(decoded("===="), "");
 }
 
 } // namespace

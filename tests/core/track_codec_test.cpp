@@ -64,12 +64,14 @@ std::string Nines(int count) {
     return items;
 }
 
-TEST(TrackCodecTest, TheWorstTrackFitsThePacket) {
-    Track worst{};
-    for (std::size_t i = 0; i < worst.size(); ++i)
-        worst[i] = i % 4 == 3 ? 65 : 27;
-    EXPECT_EQ(PacketOf(worst).size(), 4482U) << "although no decoder takes it";
-    EXPECT_EQ(PacketOf({}).size(), 46U);
+TEST(TrackCodecTest, RunsOfFourAndMoreAreCompressedAndTheWorstTrackFitsThePacket) {
+    using Row = std::pair<std::size_t, std::size_t>;
+    for (const auto& [escapes, bytes] : {Row{4, 2562}, Row{3, 4482}, Row{2560, 46}}) {
+        Track track{};
+        for (std::size_t i = 0; i < track.size(); ++i)
+            track[i] = i % (escapes + 1) == escapes ? 65 : 27;
+        EXPECT_EQ(PacketOf(track).size(), bytes) << escapes;
+    }
 }
 
 TEST(TrackCodecTest, EveryTrackComesBackWhoeverHasPackedIt) {

@@ -210,30 +210,6 @@ TEST_F(XmlDictionary, RootAndVersionDecide) {
         EXPECT_FALSE(Loaded(text)) << text;
 }
 
-TEST_F(XmlDictionary, OtherEncodingsAreRead) {
-    for (const char* text : {"<?xml version='1.0' encoding='ISO-8859-1'?>"
-                             "<x><key>k</key><string>\xFC</string></x>",
-                             "\xEF\xBB\xBF<x><key>k</key><string>\xC3\xBC</string></x>"}) {
-        const auto dict = Loaded(text);
-        ASSERT_TRUE(dict);
-        EXPECT_EQ(StorageByKey(dict, "k"), Value("\xC3\xBC"s));
-    }
-}
-
-TEST_F(XmlDictionary, SavingReplacesTheFileOnlyIfItHoldsSomethingElse) {
-    const TempFolder folder;
-    const auto file = folder.File("file", "old");
-    const auto dict = DictionaryOf({{"a", 1}});
-    ASSERT_TRUE(SaveXML(dict, file, false));
-    EXPECT_EQ(TextOf(file), ExportXMLString(dict, false));
-    const std::filesystem::file_time_type long_ago{};
-    std::filesystem::last_write_time(file, long_ago);
-    EXPECT_TRUE(SaveXML(dict, file, false));
-    EXPECT_EQ(std::filesystem::last_write_time(file), long_ago);
-    EXPECT_FALSE(SaveXML(dict, folder.path() / "no" / "such folder", false));
-    EXPECT_FALSE(LoadXML(dict, folder.path() / "missing"));
-}
-
 TEST_F(XmlDictionary, OtherEventsRunWhileALongListIsWalked) {
     class HastyHost : public ScriptedHost { // every chance to let other events run is due
       public:
