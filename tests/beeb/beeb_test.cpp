@@ -22,15 +22,6 @@ using namespace std::chrono_literals;
 constexpr auto kOversleep = 60us; // a desktop's millisecond takes as much longer
 constexpr auto kAdapterHolds = 5ms;
 
-/// An empty one on each side.
-void PutCatalogues(Bytes& image, std::size_t tracks, std::size_t sides) {
-    for (std::size_t start = 0; start < sides * kTrack; start += kTrack) {
-        image[start + 0x105] = 0;
-        image[start + 0x106] = static_cast<std::uint8_t>(tracks * 10 / 256);
-        image[start + 0x107] = static_cast<std::uint8_t>(tracks * 10);
-    }
-}
-
 /// What the bytes are that arrive in place of `bytes`.
 std::string Spoiled(const Fault& fault, OnCable& where, std::string_view bytes) {
     std::string arriving;
@@ -56,10 +47,11 @@ Bytes Noise(std::size_t count) {
     return bytes;
 }
 
-Bytes Image(std::size_t tracks, std::size_t catalogue_of) {
-    Bytes image = Noise(tracks * kTrack);
-    PutCatalogues(image, catalogue_of, 1);
-    return image;
+Bytes Image(Bytes bytes, std::size_t tracks) {
+    bytes[0x105] = 0;
+    bytes[0x106] = static_cast<std::uint8_t>(tracks * 10 / 256);
+    bytes[0x107] = static_cast<std::uint8_t>(tracks * 10);
+    return bytes;
 }
 
 Bytes MixedImage(std::size_t tracks) {
@@ -67,9 +59,7 @@ Bytes MixedImage(std::size_t tracks) {
     for (std::size_t i = 0; i < image.size(); ++i)
         if (i / kTrack % 3 != 1 || i % kTrack < 1900)
             image[i] = static_cast<std::uint8_t>(i % kTrack == 5 ? i / kTrack : 0);
-    const std::size_t sides = tracks > 80 ? 2 : 1;
-    PutCatalogues(image, tracks / sides, sides);
-    return image;
+    return Image(std::move(image), std::min<std::size_t>(tracks, 80));
 }
 
 Bytes Tracks(const Bytes& image, std::size_t first, std::size_t count) {

@@ -24,8 +24,8 @@ inline constexpr std::size_t kTrack = 2560;
 /// Bytes that no run shortens, the same each time.
 [[nodiscard]] Bytes Noise(std::size_t count);
 
-/// The same with an empty catalogue of so many tracks in front.
-[[nodiscard]] Bytes Image(std::size_t tracks, std::size_t catalogue_of);
+/// `bytes` with an empty catalogue of so many tracks in front.
+[[nodiscard]] Bytes Image(Bytes bytes, std::size_t tracks);
 
 /// Tracks that pack well and badly, each with a byte that no other track has.
 [[nodiscard]] Bytes MixedImage(std::size_t tracks);

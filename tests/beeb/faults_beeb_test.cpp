@@ -103,7 +103,7 @@ constexpr PacketFault kPacketFaults[] = {{"a changed byte", 40, 40, Plus<4>},
                                          {"nothing from there on", 300, 9999, Lost}};
 
 TEST_P(BothControllers, APacketWithAFaultIsSentAgainAndLandsWhole) {
-    const Bytes noise = Image(std::size(kPacketFaults), 40);
+    const Bytes noise = Image(Noise(std::size(kPacketFaults) * kTrack), 40);
     to_micro = [](const OnCable& where, char byte) {
         const PacketFault& fault = kPacketFaults[where.track];
         const bool hit = where.time == 1 && where.at >= fault.first && where.at <= fault.last;
@@ -121,7 +121,7 @@ TEST_P(OneMicro, ATrackThatComesToTheHostWithAFaultIsAskedForAgain) {
     constexpr int kPlaces[] = {0, 1, 2, 100, 300};
     constexpr std::string (*kChanges[])(char) = {Plus<16>, Lost, Twice};
     constexpr int kFaults = 15;
-    Bytes noise = Image(kFaults, 40);
+    Bytes noise = Image(Noise(kFaults * kTrack), 40);
     noise.resize(image.size());
     Insert(0, folder.File("noise.ssd", noise));
     to_host = [&](const OnCable& where, char byte) {
@@ -155,7 +155,7 @@ TEST_P(BothControllers, APacketMayBeCancelledAnywhere) {
 }
 
 TEST_P(BothControllers, OfADamagedTrackComesWhatCanBeRead) {
-    Bytes wanted = Image(40, 40);
+    Bytes wanted = Image(Noise(40 * kTrack), 40);
     Insert(0, folder.File("damaged.ssd", wanted));
     for (const char* place : {"2 3", "2 9", "4"})
         beeb.Ask(std::string("damage 0 0 ") + place);
@@ -207,7 +207,7 @@ TEST_P(OneMicro, ADiscWithoutACatalogueHasNoSize) {
 }
 
 TEST_P(OneMicro, TracksFullOfEscComeAcrossAsLongAsTheyFitAndAreNamedWhenNot) {
-    Bytes escapes = Image(40, 40);
+    Bytes escapes = Image(Noise(40 * kTrack), 40);
     for (std::size_t i = 0; i < kTrack; ++i) {
         escapes[kTrack + i] = 27;
         escapes[2 * kTrack + i] =

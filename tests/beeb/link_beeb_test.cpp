@@ -88,7 +88,7 @@ TEST_P(Transfers, TheSecondSideAloneIsDrive2) {
 }
 
 TEST_P(Transfers, NoByteIsLostWhenTheLineBringsThemInBursts) {
-    const Bytes image = Image(3, 40);
+    const Bytes image = Image(Noise(3 * kTrack), 40);
     for (const std::size_t burst : {2U, 16U, 4480U}) {
         Insert(1, "formatted40");
         at_once = burst;

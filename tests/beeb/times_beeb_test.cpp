@@ -5,7 +5,6 @@
 #include "link/track_codec.h"
 #include "link/transfer.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <random>
 #include <span>
@@ -29,10 +28,7 @@ class Times : public Running {
 INSTANTIATE_TEST_SUITE_P(Micros, Times, Values("B-DFS1.2", "B1770", "Master"));
 
 Bytes Disc(std::size_t tracks, bool random) {
-    Bytes disc = Image(tracks, tracks);
-    if (!random)
-        std::fill(disc.begin() + 512, disc.end(), 0);
-    return disc;
+    return Image(random ? Noise(tracks * kTrack) : Bytes(tracks * kTrack), tracks);
 }
 
 int Times::GoBothWays(const Bytes& disc) {
