@@ -179,7 +179,6 @@ using FreeSpace = ImageFiles;
 TEST_F(FreeSpace, RegionsLieBetweenTheFiles) {
     using Row = std::tuple<const char*, int, std::vector<Entry>, Regions>;
     const std::vector<Row> rows{
-        {"catalogue only", 2, {}, {}},
         {"order does not matter", 800, {At(2, 1024), At(10, 512)}, {{6, 4}, {12, 788}}},
         {"no bytes take a sector", 800, {At(5, 0)}, {{2, 3}, {6, 794}}},
         {"overlap", 800, {At(4, 1024), At(2, 1024)}, {{8, 792}}},
