@@ -5,6 +5,7 @@
 #include "disc/module1.h"
 #include "platform/text.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <string>
@@ -112,6 +113,20 @@ void ExchangeSort(std::vector<PageRow>& rows, Step step) {
     }
 }
 
+bool HaveSameKey(const PageRow& one, const PageRow& other) {
+    return one.key == other.key;
+}
+
+/// What ExchangeSort gives, and at once where no two keys are equal, as those have one order only.
+void Sort(std::vector<PageRow>& rows, Step step) {
+    std::vector<PageRow> sorted = rows;
+    std::ranges::sort(sorted, [](const auto& a, const auto& b) { return a.SortsBefore(b); });
+    if (std::ranges::adjacent_find(sorted, HaveSameKey) == sorted.end())
+        rows = std::move(sorted);
+    else
+        ExchangeSort(rows, step);
+}
+
 /// The first character of a row, or nothing.
 std::string_view FirstOf(const PageRow& row) {
     return row.text.substr(0, 1);
@@ -161,13 +176,13 @@ void ListHeader(int start, ViewSink& sink) {
 void ListCat(ViewSink& sink) {
     ListHeader(GetStartSectorOfDrive(Module1::cur_drive), sink);
     Page page = ReadRows(AddCatText, Yield);
-    ExchangeSort(page.rows, Yield);
+    Sort(page.rows, Yield);
     PrintFields(page.rows, sink);
 }
 
 void ListEX(ViewSink& sink, void (*step)()) {
     Page page = ReadRows(AddEXText, step);
-    ExchangeSort(page.rows, step);
+    Sort(page.rows, step);
     std::string line;
     for (const PageRow& row : page.rows) {
         line.assign(row.text).append(kBreak);
