@@ -62,16 +62,16 @@ class SideFile {
 
     [[nodiscard]] bool IsOpen() const { return out_.IsOpen(); }
 
-    /// Fills it and closes it; from then on it has a name.
-    [[nodiscard]] std::optional<FileError> Fill(Bytes bytes, const std::optional<struct stat>& old,
-                                                Flush flush);
+    /// Fills it and closes it; from then on it has a name: `target` if that is free.
+    [[nodiscard]] std::optional<FileError> Fill(const fs::path& target, Bytes bytes,
+                                                const std::optional<struct stat>& old, Flush flush);
 
     /// Renames it to `target`, whatever that was; false if the system refuses.
     [[nodiscard]] bool MoveTo(const fs::path& target);
 
   private:
     void OpenWithName();
-    bool GiveName();
+    bool GiveName(const fs::path& target);
     [[nodiscard]] std::optional<FileError> Write(Bytes bytes, const std::optional<struct stat>& old,
                                                  Flush flush);
 
@@ -98,11 +98,11 @@ void SideFile::OpenWithName() {
         name_ = name;
 }
 
-bool SideFile::GiveName() {
+bool SideFile::GiveName(const fs::path& target) {
     const std::string from = kOpenFiles + std::to_string(out_.get());
+    const std::string beside = (folder_ / ".quoravel-").string() + std::to_string(::getpid()) + "-";
     for (int i = 0; name_.empty(); ++i) {
-        const fs::path name =
-            folder_ / (".quoravel-" + std::to_string(::getpid()) + "-" + std::to_string(i));
+        const fs::path name = i == 0 ? target : fs::path(beside + std::to_string(i));
         if (::linkat(AT_FDCWD, from.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0)
             name_ = name;
         else if (errno != EEXIST)
@@ -121,10 +121,10 @@ std::optional<FileError> SideFile::Write(Bytes bytes, const std::optional<struct
     return {};
 }
 
-std::optional<FileError> SideFile::Fill(Bytes bytes, const std::optional<struct stat>& old,
-                                        Flush flush) {
+std::optional<FileError> SideFile::Fill(const fs::path& target, Bytes bytes,
+                                        const std::optional<struct stat>& old, Flush flush) {
     auto error = Write(bytes, old, flush);
-    if (!error && !GiveName()) { // there are systems that make nameless files and name none
+    if (!error && !GiveName(target)) { // there are systems that make nameless files and name none
         OpenWithName();
         error = out_.IsOpen() ? Write(bytes, old, flush) : LastError();
     }
@@ -134,7 +134,7 @@ std::optional<FileError> SideFile::Fill(Bytes bytes, const std::optional<struct 
 }
 
 bool SideFile::MoveTo(const fs::path& target) {
-    if (::rename(name_.c_str(), target.c_str()) != 0)
+    if (name_ != target && ::rename(name_.c_str(), target.c_str()) != 0)
         return false;
     name_.clear();
     return true;
@@ -204,7 +204,7 @@ std::optional<FileError> ReplaceFile(const fs::path& file, Bytes bytes, Flush fl
     SideFile side(FolderOf(target));
     if (!side.IsOpen())
         return WithoutNewFile(errno, target, bytes, old);
-    if (auto error = side.Fill(bytes, old, flush))
+    if (auto error = side.Fill(target, bytes, old, flush))
         return error;
     if (!side.MoveTo(target))
         return WithoutNewFile(errno, target, bytes, old);
