@@ -4,10 +4,15 @@
 
 #include <QObject>
 
+#include <exception>
 #include <type_traits>
 #include <utility>
 
 namespace quoravel {
+
+/// Tells in a box of a failure that nobody foresaw, such as memory that has run out: the program
+/// goes on, so that the disc can be saved. One box at a time.
+void TellFailure(const std::exception& failure);
 
 /// Runs what Qt has called us for. When the program ends inside it, its waits throw AppQuitting,
 /// and this is where that stops: exceptions must not pass through Qt. Every entry from Qt into the
@@ -18,6 +23,8 @@ void Guarded(Entry&& entry) {
         std::forward<Entry>(entry)();
     } catch (
         const AppQuitting&) { // NOLINT(bugprone-empty-catch): the event loop has been told to end
+    } catch (const std::exception& failure) {
+        TellFailure(failure);
     }
 }
 
