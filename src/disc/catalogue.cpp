@@ -9,10 +9,6 @@ namespace quoravel {
 
 namespace {
 
-unsigned ByteAt(int offset) {
-    return Module1::DiscImg.Byte(offset);
-}
-
 char CharAt(int offset) {
     return static_cast<char>(ByteAt(offset) & 127U);
 }

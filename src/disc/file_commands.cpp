@@ -29,10 +29,6 @@ std::string PaddedAddress(std::string_view text) {
     return UpperCase(std::string(kAddressDigits - text.size(), '0').append(text));
 }
 
-unsigned ByteAt(int offset) {
-    return Module1::DiscImg.Byte(offset);
-}
-
 /// The entry of that name on cur_drive.
 std::optional<int> FindEntry(std::string_view name) {
     const int pos = GetPos(Module1::cur_drive, name);

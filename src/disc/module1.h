@@ -87,4 +87,9 @@ void InstallStatusLine(StatusLine* line);
 
 } // namespace Module1
 
+/// The byte of DiscImg at `offset`, as a number to reckon with; 0 outside the block.
+[[nodiscard]] inline unsigned ByteAt(std::int64_t offset) {
+    return Module1::DiscImg.Byte(offset);
+}
+
 } // namespace quoravel

@@ -57,10 +57,6 @@ std::string Padded(std::string_view text, std::size_t width) {
     return padded;
 }
 
-unsigned ByteAt(int offset) {
-    return Module1::DiscImg.Byte(offset);
-}
-
 /// Blanks in place of "$." bring the files of $ to the front.
 void AddCatText(const ListRow& file, std::string& texts) {
     if (file.FileName.front() == '$')

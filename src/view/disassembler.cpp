@@ -20,10 +20,6 @@ constexpr int kRts = 0x60;
 constexpr int kBytesWidth = 12;
 constexpr int kOperandWidth = 12;
 
-std::uint8_t ByteAt(std::int64_t offset) {
-    return Module1::DiscImg.Byte(offset);
-}
-
 void AddSpaces(std::string& line, int count) {
     line.append(static_cast<std::size_t>(count), ' ');
 }
@@ -51,8 +47,8 @@ int AddOperand(std::string& line, std::string_view operand, int p, std::uint32_t
 }
 
 /// A byte as the last column shows it. Meant: 31 is let through, unlike in the hex view.
-char ShownByte(std::uint8_t byte) {
-    const int c = byte & 127;
+char ShownByte(unsigned byte) {
+    const unsigned c = byte & 127U;
     return c < 31 || c == 127 ? '.' : static_cast<char>(c);
 }
 
@@ -129,7 +125,7 @@ void Disassemble(int sector, std::uint32_t length, std::uint16_t address, ViewSi
     std::string line;
     // Up to the byte behind the file, which is shown too; cur_drive may change with any yield.
     while (p <= EndOf(sector, length)) {
-        const int opcode = ByteAt(p);
+        const auto opcode = static_cast<int>(ByteAt(p));
         BuildLine(line, opcode, p, counter);
         sink.ShowData(line);
         const int bytes = kOpcodes[static_cast<std::size_t>(opcode)].mode.bytes;

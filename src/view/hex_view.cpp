@@ -16,10 +16,6 @@ constexpr int kRowBytes = 16;
 constexpr int kFieldWidth = 3; // two digits and a space
 constexpr std::string_view kDigits = "0123456789ABCDEF";
 
-unsigned ByteAt(int offset) {
-    return Module1::DiscImg.Byte(offset);
-}
-
 /// Makes `row` the row of `count` bytes at `offset` of the file at `base`.
 void BuildRow(std::string& row, int base, int offset, int count) {
     const int first = base + offset;
