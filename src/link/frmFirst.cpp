@@ -2,10 +2,10 @@
 
 #include "disc/module1.h"
 #include "link/link_use.h"
+#include "platform/qt/progress.h"
 #include "shell/frmDialog.h"
 
 #include <QLabel>
-#include <QProgressBar>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -30,7 +30,8 @@ constexpr std::array kInstructions{
 
 } // namespace
 
-frmFirst::frmFirst(QWidget* parent) : QDialog(parent), pb_(new QProgressBar(this)) {
+frmFirst::frmFirst(QWidget* parent)
+    : QDialog(parent), pb_(MakeProgressBar(this, QStringLiteral("Share of the program sent"))) {
     setObjectName(QStringLiteral("frmFirst"));
     setWindowTitle(QStringLiteral("Send Basic Program"));
     auto* column = new QVBoxLayout(this);
@@ -41,10 +42,6 @@ frmFirst::frmFirst(QWidget* parent) : QDialog(parent), pb_(new QProgressBar(this
         label->setIndent(i < kFirstTyped ? 0 : kIndent);
         column->addWidget(label);
     }
-    pb_->setObjectName(QStringLiteral("pb"));
-    pb_->setAccessibleName(QStringLiteral("Share of the program sent"));
-    pb_->setRange(0, 100);
-    pb_->setValue(0);
     column->addWidget(pb_);
     QWidget* buttons = MakeButtons(*this, "Go", [this] { cmdOK_Action(); });
     column->addWidget(buttons);

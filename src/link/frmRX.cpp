@@ -3,6 +3,7 @@
 #include "disc/module1.h"
 #include "platform/qt/accessible.h"
 #include "platform/qt/guard.h"
+#include "platform/qt/progress.h"
 #include "platform/qt/text.h"
 #include "prefs/xml_preferences.h"
 #include "shell/frmPlace.h"
@@ -10,7 +11,6 @@
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QProgressBar>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -29,7 +29,7 @@ QLabel* AddLabel(QWidget& window, QVBoxLayout& column, const QString& name, cons
 
 } // namespace
 
-frmRX::frmRX() : pb_(new QProgressBar(this)) {
+frmRX::frmRX() : pb_(MakeProgressBar(this, QStringLiteral("Progress"))) {
     TellAs(*this, QAccessible::Dialog);
     setObjectName(QStringLiteral("frmRX"));
     setWindowTitle(QStringLiteral("Receive Disc Image"));
@@ -38,11 +38,7 @@ frmRX::frmRX() : pb_(new QProgressBar(this)) {
         AddLabel(*this, *column, QStringLiteral("lblTtl"), QStringLiteral("Receive In Progress"));
     lblRX_ = AddLabel(*this, *column, QStringLiteral("lblRX"),
                       QStringLiteral("Receiving Track 0 of 159"));
-    pb_->setObjectName(QStringLiteral("pb"));
-    pb_->setAccessibleName(QStringLiteral("Progress"));
     pb_->setMinimumWidth(kLeastWidth); // not the window's: it is to grow with its texts
-    pb_->setRange(0, 100);
-    pb_->setValue(0);
     column->addWidget(pb_);
     auto* cancel = new QPushButton(QStringLiteral("Cancel"), this);
     cancel->setObjectName(QStringLiteral("cmdCancel"));

@@ -3,12 +3,12 @@
 #include "disc/module1.h"
 #include "platform/qt/accessible.h"
 #include "platform/qt/guard.h"
+#include "platform/qt/progress.h"
 #include "platform/qt/text.h"
 
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QProgressBar>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -16,16 +16,12 @@ namespace quoravel {
 
 frmProgress::frmProgress(QWidget* parent)
     : QWidget(parent, Qt::Window),
-      pb_(new QProgressBar(this)),
+      pb_(MakeProgressBar(this, QStringLiteral("Images listed"))),
       txtImages_(new QLabel(QStringLiteral("Found 0 Images"), this)) {
     TellAs(*this, QAccessible::Dialog);
     setObjectName(QStringLiteral("frmProgress"));
     setWindowTitle(QStringLiteral("*EX Progress"));
     resize(331, 121);
-    pb_->setObjectName(QStringLiteral("pb"));
-    pb_->setAccessibleName(QStringLiteral("Images listed"));
-    pb_->setRange(0, 100);
-    pb_->setValue(0);
     txtImages_->setObjectName(QStringLiteral("txtImages"));
     auto* cancel = new QPushButton(QStringLiteral("Cancel"), this);
     cancel->setObjectName(QStringLiteral("Cancel"));
