@@ -18,8 +18,8 @@ from gi.repository import Atspi, GLib  # noqa: E402
 PATIENCE = 30  # seconds, of which a quiet machine needs one
 IMAGES = 12000  # enough that their listing can be looked at
 KEYS = {"Down": 0xFF54, "Up": 0xFF52, "Right": 0xFF53, "Home": 0xFF50, "Tab": 0xFF09,
-        "Return": 0xFF0D, "Escape": 0xFF1B, "F2": 0xFFBF, "F10": 0xFFC7, "Menu": 0xFF67,
-        "Alt": 0xFFE9, "Ctrl": 0xFFE3}
+        "Return": 0xFF0D, "Escape": 0xFF1B, "F10": 0xFFC7, "Menu": 0xFF67}
+HELD = {"Alt": 64, "Ctrl": 37}  # the codes of these on every X keyboard
 # What a person can be told of only if it has a name.
 NAMED = {"tree", "text", "combo box", "progress bar", "button", "push button", "radio button",
          "status bar", "label", "menu item", "frame", "dialog"}
@@ -67,14 +67,10 @@ def press(*keys):
     """Presses the last key while the others are held."""
     *held, last = keys
     for key in held:
-        Atspi.generate_keyboard_event(code(KEYS[key]), None, Atspi.KeySynthType.PRESS)
+        Atspi.generate_keyboard_event(HELD[key], None, Atspi.KeySynthType.PRESS)
     Atspi.generate_keyboard_event(KEYS.get(last) or ord(last), None, Atspi.KeySynthType.SYM)
     for key in held:
-        Atspi.generate_keyboard_event(code(KEYS[key]), None, Atspi.KeySynthType.RELEASE)
-
-
-def code(symbol):
-    return {0xFFE9: 64, 0xFFE3: 37}[symbol]  # of the modifiers on every X keyboard
+        Atspi.generate_keyboard_event(HELD[key], None, Atspi.KeySynthType.RELEASE)
 
 
 def write(text):
@@ -98,11 +94,12 @@ class Program:
         """The window in use, once it is that one."""
         return wait(f"{role} {title} in front", lambda: self.open_window(role, title, "ACTIVE"))
 
-    def open_window(self, role, title, *states):
+    def open_window(self, role, title, state):
         return next((window for window in children(self.node) if window.get_role_name() == role
-                     and window.get_name().startswith(title) and has(window, *states)), None)
+                     and window.get_name().startswith(title) and has(window, state)), None)
 
-    def gone(self, role, title):
+    def leave(self, role, title, *keys):
+        press(*keys)
         wait(f"{title} closed", lambda: self.open_window(role, title, "SHOWING") is None)
 
     def check_names(self, window):
@@ -119,10 +116,6 @@ def rows(table):
             for i in range(0, len(cells), columns)]
 
 
-def chosen(table):
-    return [texts[0] for texts, selected in rows(table) if selected]
-
-
 def lists(program):
     main = program.window("frame", "Quoravel - demo-dual.dsd")
     first, second = (program.find("tree", f"Files of drive {drive}") for drive in (0, 1))
@@ -135,7 +128,8 @@ def lists(program):
 
     wait("the first list has the keyboard", lambda: has(first, "FOCUSED"))
     press("Down")
-    wait("Down chooses the next row", lambda: chosen(first) == ["$.TEXT"])
+    wait("Down chooses the next row", 
+         lambda: [texts[0] for texts, selected in rows(first) if selected] == ["$.TEXT"])
     press("Tab")
     wait("Tab goes to the other list", lambda: has(second, "FOCUSED"))
     program.check_names(main)
@@ -151,8 +145,7 @@ def dialogs(program):
         program.find(role, name, "FOCUSED")
         program.find("push button", "OK")
         program.check_names(dialog)
-        press("Escape")
-        program.gone("dialog", title)
+        program.leave("dialog", title, "Escape")
 
 
 def menus(program):
@@ -166,8 +159,7 @@ def menus(program):
     about = program.window("dialog", "About Quoravel")
     program.find("push button", "OK", "FOCUSED")
     program.check_names(about)
-    press("Return")
-    program.gone("dialog", "About Quoravel")
+    program.leave("dialog", "About Quoravel", "Return")
 
 
 def trace(program):
@@ -179,8 +171,7 @@ def trace(program):
     press("Return")
     window = program.window("frame", "Trace")
     program.check_names(window)
-    press("Ctrl", "w")
-    program.gone("frame", "Trace")
+    program.leave("frame", "Trace", "Ctrl", "w")
 
 
 def views(program):
@@ -199,12 +190,10 @@ def views(program):
     program.find("text", "Find", "FOCUSED")
     program.check_names(find_dialog)
     write("P.")
-    press("Return")
-    program.gone("dialog", "Find")
+    program.leave("dialog", "Find", "Return")
     wait("what was found is selected", lambda: text.get_n_selections() == 1)
     program.window("frame", "View File - $.SIEVE")
-    press("Ctrl", "w")
-    program.gone("frame", "View File")
+    program.leave("frame", "View File", "Ctrl", "w")
 
 
 def progress(program, folder):
@@ -223,15 +212,13 @@ def progress(program, folder):
         program.find("text", None, "FOCUSED")
         press("Ctrl", "a")
         write(answer)
-        press("Return")
-        program.gone("dialog", title)
+        program.leave("dialog", title, "Return")
     window = program.window("dialog", "*EX Progress")
     bar = find(window, "progress bar", "Images listed")
     assert bar is not None, "a progress bar with a name"
     wait("the progress bar has a value", lambda: 0 < bar.get_current_value() < 100)
     program.check_names(window)
-    press("Escape")
-    program.gone("dialog", "*EX Progress")
+    program.leave("dialog", "*EX Progress", "Escape")
 
 
 def main():
