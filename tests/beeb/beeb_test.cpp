@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <random>
+#include <stdexcept>
 #include <utility>
 
 namespace quoravel {
@@ -21,6 +22,7 @@ using namespace std::chrono_literals;
 
 constexpr auto kOversleep = 60us; // a desktop's millisecond takes as much longer
 constexpr auto kAdapterHolds = 5ms;
+constexpr int kMostTimes = 60; // that the same is said in a test
 
 /// What the bytes are that arrive in place of `bytes`.
 std::string Spoiled(const Fault& fault, OnCable& where, std::string_view bytes) {
@@ -82,6 +84,8 @@ void BeebTest::Write(std::string_view bytes) {
         const auto number = bytes.substr(std::min(bytes.find('\r') + 1, bytes.size()));
         out_ = {bytes[0], std::atoi(number.data()), ++said[std::string(bytes)], 0};
         in_ = out_;
+        if (out_.time > kMostTimes)
+            throw std::runtime_error("the host asks for ever: " + std::string(bytes));
         held_ += bytes;
     } else {
         held_ += Spoiled(to_micro, out_, bytes);
