@@ -63,6 +63,7 @@ void frmRX::Event_Open() {
 void frmRX::Event_Close() {
     closed_ = true;
     StorePosition("RX", *this);
+    hide(); // or a box that comes in the events below would stand over it, and go with it
     XMLPreferences::WritePrefFile();
 }
 

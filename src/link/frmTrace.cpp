@@ -105,6 +105,7 @@ void frmTrace::Event_Close() {
     StorePlace("Trace", *this, size());
     InstallTracePane(nullptr);
     deleteLater();
+    hide(); // or a box that comes in the events below would stand over it, and go with it
     XMLPreferences::WritePrefFile(); // events run, and another trace may be opened
 }
 

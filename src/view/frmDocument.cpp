@@ -89,6 +89,7 @@ void frmDocument::Event_Close() {
     StorePlace(place_, *this, content_->size());
     if (Closed)
         Closed();
+    hide(); // or a box that comes in the events below would stand over it, and go with it
     XMLPreferences::WritePrefFile(); // events run, and the program may end in them
 }
 
