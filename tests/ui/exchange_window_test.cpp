@@ -61,11 +61,13 @@ TEST_F(ExchangeTest, ADropImportsFilesUntilOneIsRefusedAndRefreshesOnce) {
 
 TEST_F(ExchangeTest, CopyAndPasteDoByKeysWhatDragAndDropDo) {
     Click(1, 1);
+    Click(1, 2, Qt::ControlModifier);
     QTest::keyClick(&List(1), Qt::Key_Insert, Qt::ControlModifier);
     QTest::keyClick(&List(0), Qt::Key_V, Qt::ControlModifier);
     EXPECT_TRUE(QTest::qWaitFor([&] { return List(0).ListCount() == 3; }));
     EXPECT_EQ(Names(0), (Texts{"$.SIEVE", "$.SORT", "$.TEXT"}));
     EXPECT_EQ(Row(0, 1)[2], "FF1900") << "the sidecar came with it";
+    EXPECT_EQ(desktop.TakeBoxTexts(), Texts{"File $.TEXT Already Exists"});
 }
 
 TEST_F(ExchangeTest, TextAndLinksOfTheWebAreNoFiles) {
@@ -78,21 +80,6 @@ TEST_F(ExchangeTest, TextAndLinksOfTheWebAreNoFiles) {
     QTest::qWait(1);
     EXPECT_FALSE(Module1::gDirty);
     EXPECT_TRUE(desktop.boxes.empty());
-}
-
-TEST_F(ExchangeTest, ADragOffersDataAndSidecarOfEachRowWhichExistBeforeItBegins) {
-    Click(1, 1);
-    Click(1, 2, Qt::ControlModifier);
-    const std::vector<fs::path> files = List(1).DragRow();
-    Texts names;
-    for (const fs::path& file : files) {
-        EXPECT_TRUE(fs::exists(file)) << file;
-        names.push_back(file.filename().string());
-    }
-    EXPECT_EQ(names, (Texts{"$.SORT", "$.SORT.INF", "$.TEXT", "$.TEXT.INF"}));
-    window.reset();
-    EXPECT_FALSE(fs::exists(files[0])) << "the files of drags go with the program";
-    Start();
 }
 
 } // namespace

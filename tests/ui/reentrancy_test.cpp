@@ -2,12 +2,9 @@
 
 #include "disc/image_files.h"
 #include "link/link_use.h"
-#include "platform/qt/application.h"
 #include "platform/qt/modal.h"
-#include "platform/qt/printing.h"
 #include "support/disc_builder.h"
-#include "support/main_window_test.h"
-#include "support/quick_link.h"
+#include "support/wait_test.h"
 #include "view/frmView.h"
 
 #include <QDialog>
@@ -28,14 +25,11 @@ namespace {
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
 
-constexpr const char* kOfTheDesktop = "ofTheDesktop";
-
-/// The desktop of somebody who does one thing in the middle of a wait, `act`, and from then on
-/// leaves whatever comes up: dialogs are rejected, transfers cancelled, questions answered by No.
-class HastyPerson : public UiHost {
+/// Somebody who does one thing in the middle of a wait, `act`, and from then on leaves whatever
+/// comes up: windows are closed, transfers cancelled, questions answered by No.
+class HastyPerson : public StandingDesktop {
   public:
     HastyPerson() {
-        clock_step = 20ms; // each Yield pumps
         on_pump = [this] { Look(); };
         glance_.setInterval(1);
         QObject::connect(&glance_, &QTimer::timeout, &glance_, [this] {
@@ -43,14 +37,12 @@ class HastyPerson : public UiHost {
         });
     }
 
-    std::function<bool()> inside; ///< whether the wait stands that is to be disturbed
-    std::function<void()> act;
     bool acted = false;
-    fs::path to_open, to_save, folder;
 
-    void Await(std::function<bool()> wait, std::function<void()> then) {
-        inside = std::move(wait);
-        act = std::move(then);
+    /// Does `act` as soon as the wait stands that is to be disturbed.
+    void Await(std::function<bool()> inside, std::function<void()> act) {
+        inside_ = std::move(inside);
+        act_ = std::move(act);
         acted = false;
         glance_.start();
         since_ = std::chrono::steady_clock::now();
@@ -58,71 +50,15 @@ class HastyPerson : public UiHost {
 
     void Rest() { glance_.stop(); }
 
-    using Host::MsgBox;
-
-    void MsgBox(std::string_view text, std::string_view title) override {
-        boxes.push_back({std::string(text), std::string(title)});
-        Stand("box");
-    }
-
-    bool AskYesNo(std::string_view, std::string_view) override {
-        Stand("question");
-        return false;
-    }
-
-    std::optional<fs::path> AskOpenFile(const FileType& /*filter*/) override {
-        Stand("open dialog");
-        return to_open;
-    }
-
-    std::optional<fs::path> AskSaveFile(const FileType& /*filter*/, std::string_view) override {
-        Stand("save dialog");
-        return to_save;
-    }
-
-    std::optional<fs::path> AskFolder() override {
-        Stand("folder dialog");
-        return folder;
-    }
-
-    /// A dialog of the desktop: it belongs to the window in use, as the real ones do.
-    void Stand(const char* name) {
-        QDialog dialog(WindowInUse());
-        dialog.setObjectName(QLatin1StringView(name));
-        dialog.setProperty(kOfTheDesktop, true);
-        dialog.setWindowModality(Qt::ApplicationModal);
-        dialog.exec();
-        if (quitting)
-            throw AppQuitting();
-    }
-
-    void Quit() override {
-        UiHost::Quit();
-        QCoreApplication::exit(0); // every loop that runs now, and every one to come
-    }
-
-    /// The next program.
-    void Restart() {
-        quitting = false;
-        QTimer::singleShot(0, qApp, &QCoreApplication::quit);
-        App::exec(); // from here on loops run again
-    }
-
-    /// The program runs at most 12 ms behind the clock, so what is to pass is not waited for.
-    void DoEvents(int /*milliseconds*/) override { UiHost::DoEvents(0); }
-
   private:
     void Look() {
         if (quitting || !glance_.isActive())
             return;
-        if (!acted && inside()) {
+        if (!acted && inside_()) {
             acted = true;
-            act();
-        } else if (acted) {
+            act_();
+        } else {
             Leave();
-        } else if (auto* dialog = QApplication::activeModalWidget();
-                   dialog != nullptr && dialog->property(kOfTheDesktop).toBool()) {
-            dialog->close(); // on the way to the wait
         }
         if (std::chrono::steady_clock::now() - since_ > 10s) {
             ADD_FAILURE() << (acted ? "the wait does not end" : "the wait was not reached");
@@ -130,35 +66,41 @@ class HastyPerson : public UiHost {
         }
     }
 
-    static void Leave() {
-        if (auto* dialog = QApplication::activeModalWidget())
-            dialog->close();
+    /// On the way to the wait only what has to be chosen is.
+    void Leave() const {
+        QWidget* front = QApplication::activeModalWidget();
+        if (auto* dialog = qobject_cast<QDialog*>(front); dialog != nullptr && Chooses(*dialog))
+            dialog->accept();
+        else if (front != nullptr && acted)
+            front->close();
         for (QWidget* top : QApplication::topLevelWidgets()) {
-            if (top->isVisible() && top->objectName() == QStringLiteral("frmRX"))
+            if (acted && top->isVisible() && top->objectName() == QStringLiteral("frmRX"))
                 top->close();
             for (auto* list : top->findChildren<Listbox*>())
-                if (auto* editor = list->findChild<QLineEdit*>())
+                if (auto* editor = list->findChild<QLineEdit*>(); editor != nullptr && acted)
                     QTest::keyClick(editor, Qt::Key_Escape);
         }
     }
 
+    std::function<bool()> inside_;
+    std::function<void()> act_;
     QTimer glance_;
     std::chrono::steady_clock::time_point since_;
 };
 
-/// The program with a disc of the user's in it and a micro at the cable.
-class Reentrancy : public MainWindowTest {
+/// The program with a disc of the user's in it.
+class Reentrancy : public WaitTest {
   public:
-    Reentrancy() : MainWindowTest(std::make_unique<HastyPerson>()) {}
+    Reentrancy() : WaitTest(std::make_unique<HastyPerson>()) {}
 
     using MainWindowTest::Choose;
     using MainWindowTest::folder;
     using MainWindowTest::List;
     using MainWindowTest::window;
+    using WaitTest::micro;
+    using WaitTest::printed;
     HastyPerson& person = static_cast<HastyPerson&>(desktop);
-    CompanionDouble micro;
-    bool closed = false;  ///< by CloseOnce
-    bool printed = false; ///< the print dialog was left with OK
+    bool closed = false; ///< by CloseOnce
 
     /// Chooses a command on a row of drive 0.
     void Choose(const char* name, int row) const {
@@ -167,13 +109,15 @@ class Reentrancy : public MainWindowTest {
         Choose(name);
     }
 
-    /// Chooses a command of a new, complete view.
-    void ChooseInView(const char* name) const {
+    /// A new, complete view, in use.
+    [[nodiscard]] frmView& OpenView() const {
         Choose("DiscViewAsCAT");
-        const auto view = Module1::gViewForm.lock();
-        QApplication::setActiveWindow(view.get());
-        Choose(*view, name);
+        frmView& view = *Module1::gViewForm.lock();
+        QApplication::setActiveWindow(&view);
+        return view;
     }
+
+    void ChooseInView(const char* name) const { Choose(OpenView(), name); }
 
     /// Closes a window as soon as it stands; true from then on.
     [[nodiscard]] bool CloseOnce(const char* name) {
@@ -201,47 +145,20 @@ class Reentrancy : public MainWindowTest {
 
   private:
     void MakeDisc() const;
-    void ConnectNewMicro();
-
-    std::unique_ptr<QuickLink> link_;
-    const PrintDialogs real_dialogs_ = print_dialogs();
 };
 
 void Reentrancy::SetUp() {
-    MainWindowTest::SetUp();
+    WaitTest::SetUp();
     for (const char* name : {"out", "images"})
         fs::create_directory(folder.path() / name);
     for (const char* name : {"images/a.ssd", "images/b.ssd", "import1", "import2"})
-        static_cast<void>(folder.File(name, "of somebody else"));
-    static_cast<void>(folder.File("tavrilo.bas", "10 REM\r20 REM\r"));
-    person.program_folder = folder.path();
-    PlugInCable();
-    print_dialogs() = {[this](QPrinter&) {
-                           person.Stand("page setup");
-                           return true;
-                       },
-                       [this](QPrinter& printer) {
-                           person.Stand("print dialog");
-                           printer.setOutputFileName(
-                               QString::fromStdString((folder.path() / "page.pdf").string()));
-                           return printed = true;
-                       }};
-    static_cast<App*>(qApp)->Event_OpenDocument = [this](const auto& f) {
-        // One that waited for a dialog of an earlier program comes between two or in the next one,
-        // and its file has gone.
-        if (window && fs::exists(f))
-            window->OpenDisc(f);
-    };
+        folder.File(name, "of somebody else");
+    person.to_save = [this] { return folder.path() / "saved.ssd"; };
 }
 
 void Reentrancy::TearDown() {
     person.Rest();
-    link_.reset();
-    window.reset();
-    person.Restart();
-    static_cast<App*>(qApp)->Event_OpenDocument = nullptr;
-    print_dialogs() = real_dialogs_;
-    MainWindowTest::TearDown();
+    WaitTest::TearDown();
 }
 
 /// Four files, so that each renderer has something to do.
@@ -269,38 +186,17 @@ void Reentrancy::MakeDisc() const {
     ASSERT_FALSE(SaveDisc_DSD(disc));
 }
 
-/// One that is not in the middle of anything, and nothing on the line.
-void Reentrancy::ConnectNewMicro() {
-    micro = CompanionDouble();
-    micro.byte_time = CompanionDouble::Time{0};
-    for (auto& side : micro.discs)
-        side.assign(102400, 0);
-    Module1::RXLen = 0;
-    Module1::RXHead = Module1::RXTail;
-    if (!link_)
-        link_ = std::make_unique<QuickLink>(micro);
-}
-
 void Reentrancy::StartAnew() {
     person.Rest();
-    if (person.quitting) {
-        link_.reset();
-        window.reset();
-        person.Restart();
-        Start();
-    }
+    StartAgain();
     QApplication::setActiveWindow(window.get());
     MakeDisc();
-    person.to_open = disc;
-    person.to_save = folder.path() / "saved.ssd";
-    person.folder = folder.path() / "out";
-    person.quits = 0;
-    ConnectNewMicro();
-    for (const auto& exported : fs::directory_iterator(person.folder))
+    person.to_open = [this] { return disc; };
+    person.to_folder = [this] { return folder.path() / "out"; };
+    for (const auto& exported : fs::directory_iterator(folder.path() / "out"))
         fs::remove(exported);
-    closed = printed = false;
+    closed = false;
     Module1::gDirty = false;
-    Module1::TXAbort = false;
     window->OpenDisc(disc);
     List(0).setFocus();
     person.TakeBoxTexts();
@@ -394,7 +290,7 @@ bool DrainsAfterClosing(Reentrancy& t, const char* window) {
 }
 
 void ListImages(Reentrancy& t) {
-    t.person.folder = t.folder.path() / "images";
+    t.person.to_folder = [&t] { return t.folder.path() / "images"; };
     t.Choose("DiscEXDrive");
 }
 
@@ -424,8 +320,8 @@ constexpr Wait kWaits[] = {
     {"listing",       ListImages,                                 [](auto&) { return PercentListed() > 0; }},
     {"printing",      [](auto& t) { t.ChooseInView("FilePrint"); }, [](auto& t) { return t.printed; }},
     // Writing the preferences lets events run, too.
-    {"closing a view", [](auto& t) { t.Choose("DiscViewAsCAT"); Module1::gViewForm.lock()->close(); },
-                      [](auto&) { return Module1::gViewForm.lock()->IsClosed(); }},
+    {"closing a view", [](auto& t) { t.OpenView().close(); },
+                      [](auto&) { return Module1::gViewForm.expired(); }},
     {"closing the program", [](auto& t) { t.window->close(); },   [](auto&) { return true; }},
     // The cable.
     {"receiving",     [](auto& t) { t.Choose("ReceiveSSDDrive0"); }, [](auto&) { return Stands("frmRX"); }},
@@ -442,7 +338,7 @@ constexpr Wait kWaits[] = {
     {"bootstrap's end", StartBootstrap,                           [](auto&) { return Types() && !MayCancelTyping(); }},
     {"cancelled bootstrap", StartBootstrap,                       [](auto& t) { return Types() && t.CloseOnce("frmFirst"); }},
     // Boxes and dialogs.
-    {"box",           [](auto& t) { t.person.to_open = "/nowhere.ssd"; t.Choose("DiscOpenDiscImage"); },
+    {"box",           [](auto& t) { t.person.to_open = [] { return "/nowhere.ssd"; }; t.Choose("DiscOpenDiscImage"); },
                       [](auto&) { return Stands("box"); }},
     {"box of a document", [](auto& t) { t.Choose("FileViewAsWordwise", 3); }, [](auto&) { return Stands("box"); }},
     {"question",      [](auto& t) { Module1::gDirty = true; t.Choose("NewDiscImageTrackSSD200Kssd"); },

@@ -57,22 +57,5 @@ TEST_F(WordwiseWindowTest, ALastLineWithoutAnEndIsThereAndARefusalIsNoWider) {
     EXPECT_TRUE(WordWise::Underline) << "only a document sets it back";
 }
 
-TEST_F(WordwiseWindowTest, AnotherDocumentCanBeReadBeforeAnEndlessOneIsClosed) {
-    desktop.clock_step = std::chrono::microseconds(100);
-    View endless;
-    desktop.on_pump = [&] {
-        const View view = Module1::gViewForm.lock();
-        if (endless != nullptr || view == nullptr || Text(view).Text().size() < 5000)
-            return;
-        endless = view;
-        EXPECT_EQ(Text(ShowDocument("{US}short")).Text(), "short");
-        EXPECT_FALSE(endless->IsClosed());
-        endless->close();
-    };
-    static_cast<void>(ShowDocument("{FL999}{LS0}{PL999}" + std::string(9000, '\n')));
-    desktop.on_pump = nullptr;
-    EXPECT_FALSE(WordWise::Underline) << "the document that was shown last has none";
-}
-
 } // namespace
 } // namespace quoravel
