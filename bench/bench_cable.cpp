@@ -10,8 +10,9 @@
 
 #include <array>
 #include <atomic>
+#include <cstdlib>
 #include <ctime>
-#include <fcntl.h>
+#include <pty.h>
 #include <termios.h>
 #include <thread>
 #include <unistd.h>
@@ -44,17 +45,6 @@ Load Measure(Work work) {
     const double cpu = CpuOfThread();
     const double seconds = Seconds(work);
     return {seconds, CpuOfThread() - cpu};
-}
-
-int OpenMaster() {
-    const int master = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-    ::grantpt(master);
-    ::unlockpt(master);
-    termios raw{};
-    ::tcgetattr(master, &raw);
-    ::cfmakeraw(&raw);
-    ::tcsetattr(master, TCSANOW, &raw);
-    return master;
 }
 
 /// A track that no run shortens.
@@ -120,12 +110,15 @@ int main(int argc, char** argv) {
     using namespace quoravel;
     const QApplication app(argc, argv);
     const QtHost host;
-    const int master = OpenMaster();
-    const QString path = QString::fromLocal8Bit(::ptsname(master));
+    int master = -1;
+    int line = -1;
+    termios raw{};
+    ::cfmakeraw(&raw);
+    Check(::openpty(&master, &line, nullptr, &raw, nullptr) == 0, "there is a terminal");
     QtSerial serial([] { Serial1_DataAvailable(); }, [](const QString&) {});
     QtTimer timer([] { Timer4_Action(); });
     InstallLink(&serial, &timer);
-    serial.Bind(path);
+    serial.Bind(QString::fromLocal8Bit(::ptsname(master)));
     serial.SetProfile(kTransferProfile);
     BenchSend(master);
     BenchReceive(master);

@@ -8,6 +8,9 @@
 
 #include <fcntl.h>
 #include <filesystem>
+#include <fstream>
+#include <string>
+#include <string_view>
 #include <sys/resource.h>
 #include <unistd.h>
 #include <utility>
@@ -45,31 +48,14 @@ struct NoWindow : ListingProgress {
     void SetProgress(int /*percent*/) override {}
 };
 
-template<class Each>
-void InFolders(const fs::path& tree, Each each) {
-    for (int i = 0; i < kFolders; ++i) {
-        const fs::path folder = tree / std::to_string(i);
-        fs::create_directories(folder);
-        each(folder);
+/// So many files in each of the folders, all with these bytes.
+void MakeFiles(const fs::path& tree, int each, const char* extension, std::string_view bytes) {
+    for (int folder = 0; folder < kFolders; ++folder) {
+        const fs::path path = tree / std::to_string(folder);
+        fs::create_directories(path);
+        for (int i = 0; i < each; ++i)
+            std::ofstream(path / (std::to_string(i) + extension)) << bytes;
     }
-}
-
-void MakeImages(const fs::path& tree) {
-    DiscBuilder(0).Fill(31);
-    const auto bytes = Module1::DiscImg.Part(0, kDriveBytes);
-    const TempFolder one;
-    const fs::path image = one.File("a.ssd", bytes);
-    InFolders(tree, [&](const fs::path& folder) {
-        for (int i = 0; i < kImagesAFolder; ++i)
-            fs::copy_file(image, folder / (std::to_string(i) + ".ssd"));
-    });
-}
-
-void MakeSmallFiles(const fs::path& tree) {
-    InFolders(tree, [&](const fs::path& folder) {
-        for (int i = 0; i < kSmallFilesAFolder; ++i)
-            ::close(::open((folder / std::to_string(i)).c_str(), O_CREAT | O_WRONLY, 0600));
-    });
 }
 
 /// The yardstick: each file whole, one after the other, with plain system calls.
@@ -98,7 +84,10 @@ long PeakMemory() {
 
 void BenchListing(WatchedHost& host) {
     const TempFolder tree;
-    MakeImages(tree.path());
+    DiscBuilder(0).Fill(31);
+    const auto bytes = Module1::DiscImg.Part(0, kDriveBytes);
+    MakeFiles(tree.path(), kImagesAFolder, ".ssd",
+              {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
     const auto images = Walk(tree.path());
     const TempFolder out;
     NoWindow window;
@@ -121,7 +110,7 @@ void BenchListing(WatchedHost& host) {
 
 void BenchWalk() {
     const TempFolder tree;
-    MakeSmallFiles(tree.path());
+    MakeFiles(tree.path(), kSmallFilesAFolder, "", "");
     const std::string find = "find " + tree.path().string() + " -type f >/dev/null";
     const Medians times = ByTurns(
         kTurns, [&] { return Seconds([&] { static_cast<void>(Walk(tree.path())); }); },
