@@ -68,14 +68,6 @@ TEST_F(EditFieldTest, WhatHasNoPictureShowsAMarkOfItsOwn) {
     EXPECT_EQ(marks.size(), 1U + 32U + 33U + 1U);
 }
 
-TEST_F(EditFieldTest, CopyGivesOrdinaryLineEndsAndTheOriginalCharacters) {
-    field.SetSelText("one\r\ntab\there\r\n\xA3\xA0\x07.\r.\n.");
-    QTest::keyClick(&field, Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClick(&field, Qt::Key_C, Qt::ControlModifier);
-    EXPECT_EQ(QGuiApplication::clipboard()->text(),
-              QStringLiteral("one\ntab\there\n\u00A3\u00A0\x07.\r.\n."));
-}
-
 // Text built from the pieces that line ends are made of, written in pieces at random places, is
 // held against a plain string.
 TEST_F(EditFieldTest, PositionsCountInTheTextAsItWasGiven) {

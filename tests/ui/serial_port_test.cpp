@@ -40,15 +40,6 @@ TEST_F(SerialPort, ABurstOfAHundredKilobytesOfEveryValueComesThroughBothWays) {
     EXPECT_TRUE(troubles.empty());
 }
 
-TEST_F(SerialPort, WhatWasWrittenGoesOutBeforeItCloses) {
-    ASSERT_TRUE(serial.Open());
-    serial.Write("Q");
-    serial.Close();
-    serial.Write("lost");
-    EXPECT_TRUE(Until([&] { return !cable.received.empty(); }));
-    EXPECT_EQ(cable.received, "Q");
-}
-
 TEST_F(SerialPort, APulledAdapterIsClosedAndTakenAgainWhenItIsBack) {
     ASSERT_TRUE(serial.Open());
     cable.HangUp();
@@ -62,13 +53,6 @@ TEST_F(SerialPort, APulledAdapterIsClosedAndTakenAgainWhenItIsBack) {
     QTest::qWait(1000); // it is tried once a second
     serial.Write("*");
     EXPECT_TRUE(Until([&] { return again.received == "*"; }));
-}
-
-TEST_F(SerialPort, APortThatSomebodyElseHasIsTold) {
-    ASSERT_TRUE(serial.Open());
-    QtSerial second([] {}, [this](const QString& reason) { troubles.push_back(reason); });
-    EXPECT_FALSE(second.Open());
-    EXPECT_TRUE(Until([&] { return !troubles.empty(); }));
 }
 
 TEST_F(SerialPort, TheTimerCountsAsEnabledUntilItHasActed) {
