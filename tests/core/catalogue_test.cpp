@@ -182,6 +182,7 @@ TEST_F(FileCommands, DeletingMovesAllLaterSlotsUp) {
     for (int i = 0; i < 30; ++i)
         EXPECT_EQ(GetName(0, i), "$.A" + std::to_string(i + 1));
     EXPECT_EQ(GetSector(kInfo), "01F") << "the information moves with the name";
+    EXPECT_EQ(BlockText(248, 8) + BlockText(504, 8), std::string(16, '\0'));
     EXPECT_FALSE(DeleteFile("$.A30", false));
     EXPECT_EQ(BlockText(512, 15), "the lowest file") << "data stay where they were";
 }

@@ -269,7 +269,8 @@ TEST_F(Files, OfTheCopiesTheNewestFiftyStay) {
 
 TEST(FileNames, AreShownInUtf8) {
     EXPECT_EQ(FileName("/a/b/caf\xC3\xA9.ssd"), "caf\xC3\xA9.ssd");
-    EXPECT_EQ(FileName("/a/caf\xE9.ssd"), "caf\xC3\xA9.ssd") << "not UTF-8, so taken as Latin-1";
+    EXPECT_EQ(FileName("/a/\x80\xE9.ssd"), "\xC2\x80\xC3\xA9.ssd")
+        << "not UTF-8, so taken as Latin-1";
     EXPECT_EQ(FileName("disc.ssd"), "disc.ssd");
 }
 

@@ -117,6 +117,7 @@ TEST_F(LinkReceiveTest, ATrackThatFailsIsAskedForAgain) {
     const auto crc = [](const std::string& line) -> Spoiler {
         return [=](std::string& bytes) { bytes.replace(bytes.size() - 6, 6, line); };
     };
+    std::map<std::string, std::int64_t> took;
     // A packet on this disc: 2 length bytes, 20 single ones from 2 on, then runs.
     for (const auto& [what, spoil, trace] :
          {Row{"silence", cut(0), {timeout}},
@@ -135,11 +136,15 @@ TEST_F(LinkReceiveTest, ATrackThatFailsIsAskedForAgain) {
         desktop.files = {file};
         Trace();
         Spoil("G 0 3", [how = spoil](Reply& reply) { how(reply.bytes); });
+        took[what] -= Milliseconds();
         ASSERT_TRUE(ReceiveSide(0));
+        took[what] += Milliseconds();
         EXPECT_EQ(BytesOf(file), micro.discs[0]);
         EXPECT_EQ(std::ranges::count(micro.heard, "G 0 3"), 2);
         EXPECT_THAT(TraceLines(), IsSupersetOf(trace));
     }
+    EXPECT_NEAR(static_cast<double>(took["a short CRC"] - took["another CRC"]), 2000, 5)
+        << "the line is drained before";
 }
 
 TEST_F(LinkReceiveTest, ALateAnswerIsNotTakenForTheNextTrack) {

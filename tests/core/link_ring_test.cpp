@@ -65,6 +65,7 @@ TEST_F(LinkRingTest, AReplyEndsWithAPauseOrAtItsMaximum) {
         EXPECT_EQ(Drained(), left);
         Swallow_Rubbish();
     }
+    EXPECT_GT(port.polls, 10000) << "the port is looked at all the while";
 }
 
 TEST_F(LinkRingTest, NothingIsSentAndNoPortOpenedWhileTheUserHasCancelled) {
@@ -176,6 +177,7 @@ TEST_F(LinkTraceTest, TheFileHoldsRecordsWithALengthByteAndNoFaultOfItIsTold) {
     TraceToFile(); // anew
     TraceLine("a");
     CloseTraceFile();
+    EXPECT_FALSE(Module1::gTraceFileOpen);
     TraceLine("b");
     EXPECT_EQ(TextOf(file), "\x17" + kStamp + "a\r\n");
     TraceToFile();

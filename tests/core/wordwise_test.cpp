@@ -101,6 +101,7 @@ TEST_F(WordWiseTest, LinesBreakWhereTheyCan) {
     Expect({
         {"the last line has no end", "a\nb", "a\rb"},
         {"text ends at its mark", "a{129}b", "a"},
+        {"full at a blank", "{LL11}hello world again", "hello world\ragain"},
         {"behind the last of two blanks", "{LL12}ab cd  " + long_word, "ab cd \r" + long_word},
         {"at a comma of its own kind", "{LL12}ab{172}cd " + long_word, "ab,cd\r" + long_word},
         {"a comma beyond the end is lost", "{LL11}abcdefghijk{172}l", "abcdefghijk\rl"},
