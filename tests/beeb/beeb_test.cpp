@@ -82,7 +82,8 @@ void BeebTest::Write(std::string_view bytes) {
         beeb.Ask("rate " + std::to_string(rate));
     if (bytes.size() > 1) {
         const auto number = bytes.substr(std::min(bytes.find('\r') + 1, bytes.size()));
-        out_ = {bytes[0], std::atoi(number.data()), ++said[std::string(bytes)], 0};
+        out_ = {bytes[0], std::strtoul(std::string(number).c_str(), nullptr, 10),
+                ++said[std::string(bytes)], 0};
         in_ = out_;
         if (out_.time > kMostTimes)
             throw std::runtime_error("the host asks for ever: " + std::string(bytes));

@@ -35,9 +35,9 @@ inline constexpr std::size_t kTrack = 2560;
 /// A byte on the cable, by the message of the host that went before it.
 struct OnCable {
     char command = 0; ///< of the message: 'G' for a track to the host, 'g' for one to the micro
-    int track = 0;    ///< that it names
-    int time = 0;     ///< how often the host has said it
-    int at = 0;       ///< how many bytes have gone the same way behind it
+    std::size_t track = 0; ///< that it names
+    int time = 0;          ///< how often the host has said it
+    int at = 0;            ///< how many bytes have gone the same way behind it
 };
 
 /// What arrives in place of a byte.

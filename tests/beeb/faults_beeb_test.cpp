@@ -7,12 +7,12 @@
 #include "link/transfer.h"
 
 #include <algorithm>
+#include <array>
 
 namespace quoravel {
 
 namespace {
 
-using testing::Each;
 using testing::Values;
 
 class OneMicro : public Running {
@@ -92,35 +92,36 @@ struct PacketFault {
 };
 
 /// One for each track, counted from the first byte of its packet.
-constexpr PacketFault kPacketFaults[] = {{"a changed byte", 40, 40, Plus<4>},
-                                         {"a lost byte", 300, 300, Lost},
-                                         {"a byte too many", 300, 300, Twice},
-                                         {"a length too small", 0, 0, Plus<-20>},
-                                         {"a length too large", 1, 1, Plus<8>},
-                                         {"an impossible length", 1, 1, Is<200>},
-                                         {"no length", 0, 1, Is<0>},
-                                         {"an ESC from nowhere", 30, 30, Is<27>},
-                                         {"nothing from there on", 300, 9999, Lost}};
+constexpr auto kPacketFaults =
+    std::to_array<PacketFault>({{"a changed byte", 40, 40, Plus<4>},
+                                {"a lost byte", 300, 300, Lost},
+                                {"a byte too many", 300, 300, Twice},
+                                {"a length too small", 0, 0, Plus<-20>},
+                                {"a length too large", 1, 1, Plus<8>},
+                                {"an impossible length", 1, 1, Is<200>},
+                                {"no length", 0, 1, Is<0>},
+                                {"an ESC from nowhere", 30, 30, Is<27>},
+                                {"nothing from there on", 300, 9999, Lost}});
 
 TEST_P(BothControllers, APacketWithAFaultIsSentAgainAndLandsWhole) {
-    const Bytes noise = Image(Noise(std::size(kPacketFaults) * kTrack), 40);
+    const Bytes noise = Image(Noise(kPacketFaults.size() * kTrack), 40);
     to_micro = [](const OnCable& where, char byte) {
         const PacketFault& fault = kPacketFaults[where.track];
         const bool hit = where.time == 1 && where.at >= fault.first && where.at <= fault.last;
         return hit ? fault.change(byte) : NoFault(where, byte);
     };
     SendSide(1, noise);
-    EXPECT_EQ(Dump(1, "written.ssd", std::size(kPacketFaults)), noise);
-    for (std::size_t track = 0; track < std::size(kPacketFaults); ++track)
+    EXPECT_EQ(Dump(1, "written.ssd", kPacketFaults.size()), noise);
+    for (std::size_t track = 0; track < kPacketFaults.size(); ++track)
         EXPECT_EQ(said[TrackMessage('g', 1, static_cast<int>(track))], 2)
             << kPacketFaults[track].name;
     ExpectClean();
 }
 
 TEST_P(OneMicro, ATrackThatComesToTheHostWithAFaultIsAskedForAgain) {
-    constexpr int kPlaces[] = {0, 1, 2, 100, 300};
-    constexpr std::string (*kChanges[])(char) = {Plus<16>, Lost, Twice};
-    constexpr int kFaults = 15;
+    constexpr std::array kPlaces{0, 1, 2, 100, 300};
+    constexpr std::array kChanges{&Plus<16>, &Lost, &Twice};
+    constexpr std::size_t kFaults = kPlaces.size() * kChanges.size();
     Bytes noise = Image(Noise(kFaults * kTrack), 40);
     noise.resize(image.size());
     Insert(0, folder.File("noise.ssd", noise));
@@ -130,8 +131,8 @@ TEST_P(OneMicro, ATrackThatComesToTheHostWithAFaultIsAskedForAgain) {
         return hit ? kChanges[where.track / 5](byte) : NoFault(where, byte);
     };
     EXPECT_EQ(ReceiveSide(0), noise);
-    for (int track = 0; track < kFaults; ++track)
-        EXPECT_EQ(said[TrackMessage('G', 0, track)], 2) << track;
+    for (std::size_t track = 0; track < kFaults; ++track)
+        EXPECT_EQ(said[TrackMessage('G', 0, static_cast<int>(track))], 2) << track;
 }
 
 TEST_P(BothControllers, APacketMayBeCancelledAnywhere) {
