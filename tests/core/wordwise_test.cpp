@@ -105,6 +105,7 @@ TEST_F(WordWiseTest, LinesBreakWhereTheyCan) {
         {"behind the last of two blanks", "{LL12}ab cd  " + long_word, "ab cd \r" + long_word},
         {"at a comma of its own kind", "{LL12}ab{172}cd " + long_word, "ab,cd\r" + long_word},
         {"a comma beyond the end is lost", "{LL11}abcdefghijk{172}l", "abcdefghijk\rl"},
+        {"at a tab", "{LL15}ab{TAB}" + long_word, "ab" + Blanks(7) + "\r" + long_word},
         {"not at a tab that does nothing", "{LL12}{DT4}abc{TAB}defghijklmno", "abcdefghijkl\rmno"},
         {"no tab stops are left", "{LL200}" + Blanks(110) + "a{TAB}b", Blanks(110) + "ab"},
         {"the first stop of the list counts", "{DT20,5}a{TAB}b", "a" + Blanks(18) + "b"},
