@@ -65,8 +65,8 @@ Bytes MixedImage(std::size_t tracks) {
 }
 
 Bytes Tracks(const Bytes& image, std::size_t first, std::size_t count) {
-    return Bytes(image.begin() + static_cast<std::ptrdiff_t>(first * kTrack),
-                 image.begin() + static_cast<std::ptrdiff_t>((first + count) * kTrack));
+    return {image.begin() + static_cast<std::ptrdiff_t>(first * kTrack),
+            image.begin() + static_cast<std::ptrdiff_t>((first + count) * kTrack)};
 }
 
 BeebTest::BeebTest(std::vector<std::string> options) : beeb(std::move(options)) {
