@@ -84,6 +84,10 @@ TEST_F(EditFieldTest, PositionsCountInTheTextAsItWasGiven) {
         const auto length = static_cast<std::size_t>(field.SelLength());
         const std::string& piece = pieces[random() % pieces.size()];
         EXPECT_EQ(field.SelText(), expected.substr(from, length));
+        field.SetSelStart(static_cast<int>(from + length)); // the end of what is selected
+        EXPECT_EQ(field.SelLength(), 0);
+        field.SetSelStart(static_cast<int>(from));
+        field.SetSelLength(static_cast<int>(length));
         field.SetSelText(piece);
         expected.replace(from, length, piece);
         ASSERT_EQ(field.Text(), expected);

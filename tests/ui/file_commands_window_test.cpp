@@ -178,12 +178,12 @@ TEST_F(FileCommandTest, AddressesAreCheckedByTheDialogAndShownInTheRow) {
         Press(dialog, "cmdOK");
         EXPECT_TRUE(dialog.isVisible());
         Type(dialog, "txtLoad", QStringLiteral("19"));
-        Type(dialog, "txtExec", QStringLiteral("ff8023"));
+        Type(dialog, "txtExec", QStringLiteral("ff8024"));
         Press(dialog, "cmdOK");
     });
     EXPECT_EQ(desktop.TakeBoxTexts(), Texts{"Load Address Contains Illegal Characters"});
     EXPECT_EQ(List(0).Cell(0, 2), "FF0019") << "the high bits follow the exec address, as meant";
-    EXPECT_EQ(List(0).Cell(0, 3), "FF8023");
+    EXPECT_EQ(List(0).Cell(0, 3), "FF8024");
     EXPECT_TRUE(Module1::gDirty);
     EXPECT_EQ(Title(), "Quoravel - demo-dual.dsd") << "the star comes with the next refresh";
 }

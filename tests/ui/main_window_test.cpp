@@ -15,6 +15,7 @@ namespace fs = std::filesystem;
 using Texts = std::vector<std::string>;
 
 TEST_F(MainWindowTest, EachSideOfADiscHasAPane) {
+    EXPECT_TRUE(fs::exists(folder.path() / "config/Quoravel.pref")) << "from the start on";
     EXPECT_EQ(Title(), "Quoravel - NewDisc.dsd");
     EXPECT_EQ(Status(1), "Drive 1 : 0 files(s), 204288 Bytes Free, 512 Bytes Used");
     EXPECT_EQ(Module1::mSelectedItem, -1);

@@ -40,6 +40,19 @@ TEST_F(SerialPort, ABurstOfAHundredKilobytesOfEveryValueComesThroughBothWays) {
     EXPECT_TRUE(troubles.empty());
 }
 
+TEST_F(SerialPort, WhatWasWrittenGoesOutBeforeItIsClosedForAnother) {
+    ASSERT_TRUE(serial.Open());
+    QtSerial second([] {}, [this](const QString& reason) { troubles.push_back(reason); });
+    EXPECT_FALSE(second.Open());
+    EXPECT_TRUE(Until([&] { return !troubles.empty(); })) << "somebody else has it";
+    serial.Write("Q");
+    serial.Close();
+    serial.Write("lost");
+    EXPECT_TRUE(Until([&] { return !cable.received.empty(); }));
+    EXPECT_EQ(cable.received, "Q");
+    EXPECT_TRUE(second.Open());
+}
+
 TEST_F(SerialPort, APulledAdapterIsClosedAndTakenAgainWhenItIsBack) {
     ASSERT_TRUE(serial.Open());
     cable.HangUp();
