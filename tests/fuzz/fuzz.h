@@ -22,14 +22,14 @@ void text_hex(Bytes input);
 void basic(Bytes input);
 void disassembler(Bytes input);
 void wordwise(Bytes input);
-void listing(Bytes input);
+void listing(Bytes bytes);
 void sidecar(Bytes input);
-void wire(Bytes input);
-void link(Bytes input);
+void wire(Bytes bytes);
+void link(Bytes bytes);
 void xml(Bytes input);
 void values(Bytes input);
 void preferences(Bytes input);
-void place(Bytes input);
+void place(Bytes bytes);
 
 } // namespace fuzzers
 

@@ -217,7 +217,7 @@ Changes New(Session& user) {
     NewDisc(cur_drive, tracks, user.commands.Number(2) == 0);
     Require(!Module1::gDirty && ListFiles(cur_drive).empty(), "a new disc has nothing to keep");
     const std::int64_t start = GetStartSectorOfDrive(cur_drive);
-    return {{start, start + tracks * kTrackBytes}};
+    return {{start, start + std::int64_t{tracks} * kTrackBytes}};
 }
 
 Changes Pages(Session& /*user*/) {

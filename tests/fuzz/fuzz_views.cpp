@@ -225,7 +225,8 @@ void fuzzers::basic(Bytes input) {
     int written = 0;
     for (const string_view line : lines.all) {
         written += static_cast<int>(line.size());
-        Require(line.size() > 6 && line.substr(0, 5).find_first_not_of(" 0123456789") == line.npos,
+        Require(line.size() > 6 &&
+                    line.substr(0, 5).find_first_not_of(" 0123456789") == string_view::npos,
                 "a line has its number");
         Require(
             std::ranges::find_if(line, [](char c) { return static_cast<std::uint8_t>(c) < ' '; }) ==
