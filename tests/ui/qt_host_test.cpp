@@ -1,4 +1,5 @@
 #include "platform/qt/application.h"
+#include "platform/qt/guard.h"
 #include "platform/qt/modal.h"
 #include "platform/qt/qt_host.h"
 #include "support/temp_folder.h"
@@ -12,6 +13,7 @@
 
 #include <functional>
 #include <gtest/gtest.h>
+#include <stdexcept>
 #include <tuple>
 
 namespace quoravel {
@@ -41,6 +43,24 @@ TEST(QtHostTest, ABoxShowsItsTextAsItStandsAndKeysAnswerIt) {
         WhileItStands([key = key](QWidget& box) { QTest::keyClick(&box, key); });
         EXPECT_EQ(desktop.AskYesNo("Save your changes now ?", "Changes will be lost"), answer);
     }
+}
+
+TEST(QtHostTest, AFailureThatNobodyForesawIsToldOnceAndTheProgramGoesOn) {
+    QtHost desktop;
+    InstallHost(&desktop);
+    const auto fail = [] { Guarded([] { throw std::length_error("too long"); }); };
+    WhileItStands([&](QWidget& box) {
+        EXPECT_EQ(dynamic_cast<QMessageBox&>(box).text(),
+                  QStringLiteral("That could not be done: too long. "
+                                 "Better save your disc under another name."));
+        fail(); // as what is painted below the box may
+        EXPECT_EQ(QApplication::activeModalWidget(), &box);
+        QTest::keyClick(&box, Qt::Key_Return);
+    });
+    fail();
+    WhileItStands([&](QWidget& /*box*/) { desktop.Quit(); });
+    fail(); // the end of the program comes no further either
+    InstallHost(nullptr);
 }
 
 TEST(QtHostTest, AtQuitEveryKindOfWaitUnwinds) {
