@@ -15,6 +15,7 @@
 #include "view/wordwise/state.h"
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <string>
 #include <utility>
@@ -55,8 +56,9 @@ void PutOnBlankDisc(std::int64_t offset, Bytes bytes) {
 /// 3 the length reads as 0xFFxxxx, near the end of the block.
 FileInput LoadFile(Bytes input) {
     constexpr std::size_t kTail = 6;
+    static constexpr std::array<std::uint8_t, kTail> kNoFile{};
     if (input.size() < kTail)
-        return {};
+        input = kNoFile;
     const auto tail = input.last(kTail);
     const auto bytes = input.first(input.size() - kTail);
     const auto word = [&](std::size_t i) { return tail[i] + 256U * tail[i + 1]; };
