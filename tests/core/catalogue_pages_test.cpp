@@ -10,7 +10,6 @@
 namespace quoravel {
 namespace {
 
-using testing::ElementsAre;
 
 class CataloguePages : public DiscTest {
   protected:

@@ -110,9 +110,9 @@ TEST_F(StarCommandTest, OutputComesInPieces) {
     using Pieces = std::vector<std::pair<int, std::string>>; // milliseconds after the command
     using Row = std::tuple<const char*, Pieces, std::string, int>;
     const std::string done = "-----BBC-----PC-----\r";
-    const std::string kilobyte(1024, 'k');
+    const std::string more_than_a_kilobyte = std::string(1024, 'k') + "def";
     for (const auto& [what, pieces, expected, ends] :
-         {Row{"1024 bytes", {{5, kilobyte + "def" + done}}, kilobyte + "def", 205},
+         {Row{"1024 bytes", {{5, more_than_a_kilobyte + done}}, more_than_a_kilobyte, 205},
           Row{"a short first piece", {{5, "a"}, {900, "def" + done}}, "adef", 1100},
           Row{"a short later piece", {{5, "abc"}, {900, "d"}, {2000, done}}, "abc", 1100},
           Row{"no success line", {{5, "abc"}}, "abc", 10206},

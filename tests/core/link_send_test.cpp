@@ -79,7 +79,7 @@ TEST_F(LinkSendTest, AFailureIsAnsweredWithTheSameTrackAgain) {
               "  123\r",
               {"track", "g 0 0", "track", "g 0 1", "track"},
               {"Received Track CRC of 123", "Mismatch in CRC"}}}) {
-        SCOPED_TRACE(message + ": " + answer);
+        SCOPED_TRACE(testing::Message() << message << ": " << answer);
         Trace();
         pane.text.clear();
         Spoil(message, [bytes = answer](Reply& reply) { reply.bytes = bytes; });
