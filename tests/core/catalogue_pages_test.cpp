@@ -10,7 +10,6 @@
 namespace quoravel {
 namespace {
 
-
 class CataloguePages : public DiscTest {
   protected:
     CataloguePages() { desktop.now = std::chrono::hours(1); } // the first Yield pumps
