@@ -3,6 +3,7 @@
 #include "disc/module1.h"
 #include "platform/qt/accessible.h"
 #include "platform/qt/guard.h"
+#include "platform/qt/modal.h"
 #include "platform/qt/progress.h"
 #include "platform/qt/text.h"
 #include "prefs/xml_preferences.h"
@@ -63,7 +64,7 @@ void frmRX::Event_Open() {
 void frmRX::Event_Close() {
     closed_ = true;
     StorePosition("RX", *this);
-    hide(); // or a box that comes in the events below would stand over it, and go with it
+    HideForGood(*this);
     XMLPreferences::WritePrefFile();
 }
 

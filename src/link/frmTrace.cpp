@@ -5,6 +5,7 @@
 #include "platform/qt/accessible.h"
 #include "platform/qt/edit_field.h"
 #include "platform/qt/guard.h"
+#include "platform/qt/modal.h"
 #include "platform/qt/text.h"
 #include "prefs/xml_preferences.h"
 #include "shell/frmPlace.h"
@@ -105,7 +106,7 @@ void frmTrace::Event_Close() {
     StorePlace("Trace", *this, size());
     InstallTracePane(nullptr);
     deleteLater();
-    hide(); // or a box that comes in the events below would stand over it, and go with it
+    HideForGood(*this);
     XMLPreferences::WritePrefFile(); // events run, and another trace may be opened
 }
 

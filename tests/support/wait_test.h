@@ -38,7 +38,7 @@ class StandingDesktop : public UiHost {
 
     void Quit() override;
 
-    /// The next program.
+    /// The next program. Documents that the desktop wanted to open in the last one are forgotten.
     void Restart();
 };
 

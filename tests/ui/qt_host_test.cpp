@@ -45,6 +45,31 @@ TEST(QtHostTest, ABoxShowsItsTextAsItStandsAndKeysAnswerIt) {
     }
 }
 
+TEST(QtHostTest, AWindowThatGoesLeavesTheDialogOverItAsByCancel) {
+    const FileType& type = FileTypes1::pDiscImages;
+    for (const auto& cancelled : std::vector<std::function<bool(Host&)>>{
+             [](Host& desktop) { return desktop.MsgBox("text"), true; },
+             [](Host& desktop) { return !desktop.AskYesNo("text", ""); },
+             [&](Host& desktop) { return !desktop.AskOpenFile(type); },
+             [&](Host& desktop) { return !desktop.AskSaveFile(type, "a.ssd"); },
+             [](Host& desktop) { return !desktop.AskFolder(); },
+             [](Host&) { return ShowModal<QDialog>(WindowInUse()), true; }}) {
+        QtHost desktop;
+        auto* window = new QWidget;
+        window->show();
+        QApplication::setActiveWindow(window);
+        bool stood = false;
+        WhileItStands([&](QWidget& dialog) {
+            stood = true;
+            EXPECT_EQ(dialog.parentWidget(), window);
+            HideForGood(*window);
+            delete window;
+        });
+        EXPECT_TRUE(cancelled(desktop));
+        EXPECT_TRUE(stood);
+    }
+}
+
 TEST(QtHostTest, AFailureThatNobodyForesawIsToldOnceAndTheProgramGoesOn) {
     QtHost desktop;
     InstallHost(&desktop);
