@@ -117,7 +117,7 @@ bool frmCLI::ShowOutput(std::string_view output) {
 
 void ShowConsole() {
     // A command may still be waiting in it when it is closed.
-    const std::shared_ptr<frmCLI> console(new frmCLI, [](frmCLI* c) { c->deleteLater(); });
+    const std::shared_ptr<frmCLI> console(new frmCLI, DeleteWhenIdle);
     QEventLoop until_closed;
     console->Closed = [&] { until_closed.quit(); };
     console->Event_Open();

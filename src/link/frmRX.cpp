@@ -3,7 +3,6 @@
 #include "disc/module1.h"
 #include "platform/qt/accessible.h"
 #include "platform/qt/guard.h"
-#include "platform/qt/modal.h"
 #include "platform/qt/progress.h"
 #include "platform/qt/text.h"
 #include "prefs/xml_preferences.h"
@@ -49,7 +48,7 @@ frmRX::frmRX() : pb_(MakeProgressBar(this, QStringLiteral("Progress"))) {
 
 std::shared_ptr<frmRX> frmRX::Show() {
     // Cancel closes the window inside one of its own events, and must not delete it there.
-    const std::shared_ptr<frmRX> window(new frmRX, [](frmRX* rx) { rx->deleteLater(); });
+    const std::shared_ptr<frmRX> window(new frmRX, DeleteWhenIdle);
     window->Event_Open();
     window->show();
     return window;
@@ -64,7 +63,7 @@ void frmRX::Event_Open() {
 void frmRX::Event_Close() {
     closed_ = true;
     StorePosition("RX", *this);
-    HideForGood(*this);
+    hide(); // or a box that comes in the events below would stand over a window that is closed
     XMLPreferences::WritePrefFile();
 }
 

@@ -5,7 +5,6 @@
 #include "platform/qt/accessible.h"
 #include "platform/qt/edit_field.h"
 #include "platform/qt/guard.h"
-#include "platform/qt/modal.h"
 #include "platform/qt/text.h"
 #include "prefs/xml_preferences.h"
 #include "shell/frmPlace.h"
@@ -105,8 +104,8 @@ void frmTrace::Event_Close() {
     CloseTraceFile();
     StorePlace("Trace", *this, size());
     InstallTracePane(nullptr);
-    deleteLater();
-    HideForGood(*this);
+    DeleteWhenIdle(this);
+    hide(); // or a box that comes in the events below would stand over a window that is closed
     XMLPreferences::WritePrefFile(); // events run, and another trace may be opened
 }
 

@@ -5,7 +5,6 @@
 #include "platform/host.h"
 #include "platform/qt/edit_field.h"
 #include "platform/qt/guard.h"
-#include "platform/qt/modal.h"
 #include "platform/saving.h"
 #include "platform/text.h"
 #include "prefs/xml_preferences.h"
@@ -90,7 +89,7 @@ void frmDocument::Event_Close() {
     StorePlace(place_, *this, content_->size());
     if (Closed)
         Closed();
-    HideForGood(*this);
+    hide(); // or a box that comes in the events below would stand over a window that is closed
     XMLPreferences::WritePrefFile(); // events run, and the program may end in them
 }
 

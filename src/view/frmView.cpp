@@ -5,6 +5,7 @@
 #include "platform/host.h"
 #include "platform/qt/busy_cursor.h"
 #include "platform/qt/edit_field.h"
+#include "platform/qt/guard.h"
 #include "platform/qt/text.h"
 #include "platform/text.h"
 #include "view/basic.h"
@@ -191,7 +192,7 @@ Views::~Views() {
 
 void Views::Open(ViewTag tag, const ListRow& file) {
     // A window must not be deleted inside one of its own events, its close being one.
-    const std::shared_ptr<frmView> view(new frmView(file), [](frmView* v) { v->deleteLater(); });
+    const std::shared_ptr<frmView> view(new frmView(file), DeleteWhenIdle);
     open_.push_back(view);
     view->Closed = [this, closed = view.get()] {
         std::erase_if(open_, [&](const auto& v) { return v.get() == closed; });

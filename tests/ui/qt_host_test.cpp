@@ -8,6 +8,7 @@
 #include <QDialog>
 #include <QFileOpenEvent>
 #include <QMessageBox>
+#include <QPointer>
 #include <QTest>
 #include <QTimer>
 
@@ -45,29 +46,25 @@ TEST(QtHostTest, ABoxShowsItsTextAsItStandsAndKeysAnswerIt) {
     }
 }
 
-TEST(QtHostTest, AWindowThatGoesLeavesTheDialogOverItAsByCancel) {
-    const FileType& type = FileTypes1::pDiscImages;
-    for (const auto& cancelled : std::vector<std::function<bool(Host&)>>{
-             [](Host& desktop) { return desktop.MsgBox("text"), true; },
-             [](Host& desktop) { return !desktop.AskYesNo("text", ""); },
-             [&](Host& desktop) { return !desktop.AskOpenFile(type); },
-             [&](Host& desktop) { return !desktop.AskSaveFile(type, "a.ssd"); },
-             [](Host& desktop) { return !desktop.AskFolder(); },
-             [](Host&) { return ShowModal<QDialog>(WindowInUse()), true; }}) {
-        QtHost desktop;
-        auto* window = new QWidget;
-        window->show();
-        QApplication::setActiveWindow(window);
-        bool stood = false;
-        WhileItStands([&](QWidget& dialog) {
-            stood = true;
-            EXPECT_EQ(dialog.parentWidget(), window);
-            HideForGood(*window);
-            delete window;
+TEST(QtHostTest, AClosedWindowIsDeletedWhenNoEntryStandsAnyMore) {
+    QtHost desktop;
+    const QPointer<QWidget> window = new QWidget;
+    window->show();
+    QApplication::setActiveWindow(window);
+    Guarded([&] {
+        WhileItStands([&](QWidget& box) {
+            EXPECT_EQ(box.parentWidget(), window);
+            Guarded([&] { DeleteWhenIdle(window); }); // as the end of a session may
+            QCoreApplication::processEvents();
+            QTest::keyClick(&box, Qt::Key_Return);
         });
-        EXPECT_TRUE(cancelled(desktop));
-        EXPECT_TRUE(stood);
-    }
+        desktop.MsgBox("text");
+        QCoreApplication::processEvents();
+        EXPECT_FALSE(window.isNull());
+    });
+    QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(0); });
+    App::exec();
+    EXPECT_TRUE(window.isNull());
 }
 
 TEST(QtHostTest, AFailureThatNobodyForesawIsToldOnceAndTheProgramGoesOn) {

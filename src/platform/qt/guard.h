@@ -14,11 +14,26 @@ namespace quoravel {
 /// goes on, so that the disc can be saved. One box at a time.
 void TellFailure(const std::exception& failure);
 
+/// Deletes a window that is closed and hidden, with what stands over it, as soon as no entry from
+/// Qt stands any more. Until then a dialog over it may wait below us, or Qt may be about to give it
+/// the focus: deleteLater alone would delete it in the events of any wait deeper than those.
+void DeleteWhenIdle(QObject* window);
+
+/// That an entry from Qt into the program stands.
+class Entered {
+  public:
+    Entered();
+    ~Entered();
+    Entered(const Entered&) = delete;
+    Entered& operator=(const Entered&) = delete;
+};
+
 /// Runs what Qt has called us for. When the program ends inside it, its waits throw AppQuitting,
 /// and this is where that stops: exceptions must not pass through Qt. Every entry from Qt into the
 /// program goes through here: event overrides by this function, signals by Connect.
 template<class Entry>
 void Guarded(Entry&& entry) {
+    const Entered entered;
     try {
         std::forward<Entry>(entry)();
     } catch (

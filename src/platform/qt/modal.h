@@ -3,7 +3,7 @@
 #include "platform/host.h"
 
 #include <QApplication>
-#include <QDialog>
+#include <QWidget>
 
 #include <utility>
 
@@ -14,15 +14,6 @@ namespace quoravel {
 [[nodiscard]] inline QWidget* WindowInUse() {
     QWidget* window = QApplication::activeWindow();
     return window != nullptr && window->isVisible() ? window : nullptr;
-}
-
-/// Hides a window that has been closed and will be deleted. Dialogs over it stand on the stack of
-/// whoever asks, and would be deleted with it: they are left as by Cancel, and no more stand over
-/// it.
-inline void HideForGood(QWidget& window) {
-    window.hide();
-    for (QDialog* dialog : window.findChildren<QDialog*>(Qt::FindDirectChildrenOnly))
-        dialog->setParent(nullptr, dialog->windowFlags()); // hides it, which ends its wait
 }
 
 /// Makes a dialog, shows it and waits until it is closed. Unwinds if the program ended meanwhile.
