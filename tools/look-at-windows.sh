@@ -44,7 +44,7 @@ ForegroundNormal=252,252,252
 BackgroundNormal=49,54,59
 ForegroundNormal=252,252,252
 DARK
-        collection 14
+        collection 15
     }
     clean_up() { [ "$(readlink "$port")" != "${home:-?}/line" ] || rm -f "$port"; }
     font_size=${2-}
@@ -147,7 +147,6 @@ xdotool key ctrl+a type "$HOME/collection"
 xdotool key Return
 sleep 1
 xdotool key Return
-sleep 0.3
 escape progress "[*]EX Progress"
 stop
 
